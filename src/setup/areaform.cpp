@@ -1,0 +1,78 @@
+#include "setup/areaform.h"
+
+#include "setup/picture.h"
+#include "state/numtext.h"
+
+namespace tessiva {
+
+AreaForm::AreaForm(AppState& state, UiPort& ui, Param& param)
+    : s_(state),
+      ui_(ui),
+      param_(param),
+      refView_(state.PixRef, state.PicRefPalette, controls_, "Command1"),
+      defView_(state.PixDef, state.PicDefPalette, controls_, "Command2") {}
+
+bool AreaForm::LoadPictures() {
+  if (!ChargePicArea(s_)) return false;
+  const std::string size = " (" + StrTrim(s_.PixRef.UpperX()) + "x" + StrTrim(s_.PixRef.UpperY()) + ")";
+  controls_.SetText("TitleRef", " " + s_.PicRefName + size);
+  controls_.SetText("TitleDef", " " + s_.PicDefName + " (" + StrTrim(s_.PixDef.UpperX()) + "x" +
+                                    StrTrim(s_.PixDef.UpperY()) + ")");
+  for (PictureView* view : {&refView_, &defView_}) {
+    view->PicW = s_.PixRef.UpperX();
+    view->PicH = s_.PixRef.UpperY();
+    view->CentreForLoad();
+  }
+  return true;
+}
+
+void AreaForm::RefreshView(PictureView& view) {
+  Canvas* canvas = view.GetCanvas();
+  if (!canvas) return;
+  view.ApplyScale();
+  canvas->Clear();
+  view.PaintPicture();
+  if (&view == &refView_) DrawAreaOutlines(*canvas);
+  canvas->Refresh();
+}
+
+void AreaForm::AreAPicRefRefresh() { RefreshView(refView_); }
+void AreaForm::AreAPicDefRefresh() { RefreshView(defView_); }
+
+void AreaForm::DrawAreaOutlines(Canvas& canvas) {
+  const Colour lightRed = QBColor(12);
+  for (int32_t k = 1; k <= s_.NbBox - 1 && k <= AppState::kMaxAreas; ++k) {
+    const auto& xs = s_.XBox[static_cast<size_t>(k)];
+    const auto& ys = s_.YBox[static_cast<size_t>(k)];
+    for (int32_t i = 1; i < s_.Nbox[static_cast<size_t>(k)] && i < AppState::kMaxVertices; ++i)
+      canvas.Line(xs[static_cast<size_t>(i)], ys[static_cast<size_t>(i)], xs[static_cast<size_t>(i + 1)],
+                  ys[static_cast<size_t>(i + 1)], lightRed);
+  }
+}
+
+void AreaForm::DeleteGrille() {
+  s_.NbStart = 0;
+  s_.CurStart = 0;
+  s_.ResizeStartPoints(0);
+  s_.NbPat = 0;
+}
+
+void AreaForm::DeleteAOI() {
+  DeleteGrille();
+  s_.NbBox = 1;
+  for (auto& row : s_.XBox) row.fill(0);
+  for (auto& row : s_.YBox) row.fill(0);
+  s_.Nbox.fill(0);
+  s_.TagBox.fill(0);
+  gages_.Clear();
+}
+
+// The grid, the gauge areas and the propagation are laid by the setup engine;
+// until then a data file keeps its areas and start points without a grid.
+void AreaForm::CreateRectArea() {}
+void AreaForm::CreateBoxJauge(int32_t, int32_t, int32_t, int32_t, int32_t, int32_t) {}
+void AreaForm::PropagArea() {}
+
+void AreaForm::ShowStartPointsDefined() { controls_.SetEnabled("Toolbar2.InitialSolution", true); }
+
+}  // namespace tessiva

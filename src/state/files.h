@@ -1,0 +1,36 @@
+// File-system helpers shared by every reader and writer: existence, whole-file
+// reads, atomic whole-file writes, case-blind look-up of pictures, paths.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessiva {
+
+// True when the path names an existing regular file; false for a directory, a
+// missing file or a path the system can't search.
+bool FileExists(const std::string& path);
+
+// The path itself when it exists; otherwise the entry of its directory whose
+// name matches it without regard to case (files name pictures in lower case,
+// the disk may hold another case); otherwise the path unchanged.
+std::string ResolvePathNoCase(const std::string& path);
+
+std::optional<std::string> ReadWholeFile(const std::string& path);
+
+// Writes beside the target, then renames over it: a failure never leaves half a file.
+bool WriteFileAtomically(const std::string& path, std::string_view content);
+
+// Splits text into lines, accepting LF and CR LF endings; a final line without
+// an ending counts, an empty text has no lines.
+std::vector<std::string> SplitLines(std::string_view text);
+
+// dir + separator + name.
+std::string JoinPath(std::string_view dir, std::string_view name);
+// The last component of a path, and the path less that component.
+std::string FileNameOf(std::string_view path);
+std::string DirectoryOf(std::string_view path);
+
+}  // namespace tessiva
