@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+
+#include "ui/controls.h"
+#include "ui/recordingcanvas.h"
+#include "ui/scriptedui.h"
+
+namespace tessiva {
+namespace {
+
+TEST(ControlRegistry, ObserversSeeEveryChangeAndMayLeaveWhileTold) {
+  ControlRegistry controls;
+  std::vector<std::string> seen;
+  int id = 0;
+  id = controls.Subscribe([&](const std::string& name, const ControlState& c) {
+    seen.push_back(name + "=" + c.text);
+    controls.Unsubscribe(id);
+  });
+  controls.SetText("Label1", " hello");
+  controls.SetText("Label1", " again");
+  EXPECT_EQ(seen, std::vector<std::string>{"Label1= hello"});
+  EXPECT_EQ(controls.Text("Label1"), " again");
+  EXPECT_TRUE(controls.Get("Never.Written").enabled);
+}
+
+TEST(ScriptedUi, AnswersFromTheScriptThenCancels) {
+  ControlRegistry frame;
+  ScriptedUi ui(frame);
+  ui.messageAnswers = {MsgAnswer::Yes};
+  EXPECT_EQ(ui.MessageBox("a", "t", MsgButtons::YesNo, MsgIcon::Question), MsgAnswer::Yes);
+  EXPECT_EQ(ui.MessageBox("b", "t", MsgButtons::YesNo, MsgIcon::Question), MsgAnswer::No);
+  EXPECT_EQ(ui.MessageBox("c", "t", MsgButtons::YesNoCancel, MsgIcon::Question), MsgAnswer::Cancel);
+  EXPECT_FALSE(ui.InputBox("p", "t", "d").has_value());
+  EXPECT_TRUE(ui.OpenFileDialog({}).FileName.empty());
+  EXPECT_EQ(ui.Messages(), (std::vector<std::string>{"a", "b", "c"}));
+  ui.StatusLine("working");
+  ui.StatusPos("(1, 2)");
+  EXPECT_EQ(frame.Text("Label1"), " working");
+  EXPECT_EQ(frame.Text("Label2"), " (1, 2)");
+}
+
+TEST(Canvas, UserScaleMapsToScreenPixelsBothWays) {
+  RecordingCanvas canvas(400, 200);
+  canvas.SetScale(-10, -20, 100, 50);  // 4 screen pixels per unit both ways
+  struct Case {
+    double user, pixel;
+  };
+  for (const Case& c : {Case{-10, 0}, Case{0, 40}, Case{90, 400}}) {
+    EXPECT_DOUBLE_EQ(canvas.ToPixelX(c.user), c.pixel);
+    EXPECT_DOUBLE_EQ(canvas.ToUserX(c.pixel), c.user);
+  }
+  EXPECT_DOUBLE_EQ(canvas.ToPixelY(-20), 0);
+  EXPECT_DOUBLE_EQ(canvas.ToPixelY(30), 200);
+  EXPECT_DOUBLE_EQ(canvas.ToUserY(100), 5);
+}
+
+TEST(Canvas, ClassicColourTable) {
+  EXPECT_EQ(QBColor(0), 0x000000u);
+  EXPECT_EQ(QBColor(12), 0xFF0000u);
+  EXPECT_EQ(QBColor(14), 0xFFFF00u);
+  EXPECT_EQ(QBColor(15), 0xFFFFFFu);
+}
+
+}  // namespace
+}  // namespace tessiva
