@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "setup/pictureview.h"
 #include "state/appstate.h"
@@ -48,6 +49,9 @@ class AreaForm {
   void ShowStartPointsDefined();
   // The menu entry "automatic search of start points" (AutoSearchMNU).
   bool AutoSearch() const { return controls_.Checked("AutoSearchMNU"); }
+
+  // Per member of the sequence (1-based): its data file was saved.
+  std::vector<bool> DoneFlags;
 
  private:
   void DrawAreaOutlines(Canvas& canvas);

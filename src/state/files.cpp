@@ -32,12 +32,16 @@ std::string ResolvePathNoCase(const std::string& path) {
 }
 
 std::optional<std::string> ReadWholeFile(const std::string& path) {
-  std::ifstream in(fs::u8path(path), std::ios::binary);
+  std::ifstream in(fs::u8path(path), std::ios::binary | std::ios::ate);
   if (!in) return std::nullopt;
-  std::ostringstream out;
-  out << in.rdbuf();
+  const std::streamoff size = in.tellg();
+  if (size < 0) return std::nullopt;
+  std::string text(static_cast<size_t>(size), '\0');
+  in.seekg(0);
+  in.read(text.data(), static_cast<std::streamsize>(size));
   if (in.bad()) return std::nullopt;
-  return std::move(out).str();
+  text.resize(static_cast<size_t>(in.gcount()));
+  return text;
 }
 
 bool WriteFileAtomically(const std::string& path, std::string_view content) {
@@ -65,17 +69,19 @@ bool WriteFileAtomically(const std::string& path, std::string_view content) {
   return true;
 }
 
+std::string_view LineCursor::Next() {
+  if (AtEnd()) return {};
+  std::size_t end = text_.find('\n', pos_);
+  if (end == std::string_view::npos) end = text_.size();
+  std::string_view line = text_.substr(pos_, end - pos_);
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  pos_ = end + 1;
+  return line;
+}
+
 std::vector<std::string> SplitLines(std::string_view text) {
   std::vector<std::string> lines;
-  size_t from = 0;
-  while (from < text.size()) {
-    size_t end = text.find('\n', from);
-    if (end == std::string_view::npos) end = text.size();
-    std::string_view line = text.substr(from, end - from);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    lines.emplace_back(line);
-    from = end + 1;
-  }
+  for (LineCursor cursor(text); !cursor.AtEnd();) lines.emplace_back(cursor.Next());
   return lines;
 }
 

@@ -2,6 +2,7 @@
 // reads, atomic whole-file writes, case-blind look-up of pictures, paths.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,8 +24,22 @@ std::optional<std::string> ReadWholeFile(const std::string& path);
 // Writes beside the target, then renames over it: a failure never leaves half a file.
 bool WriteFileAtomically(const std::string& path, std::string_view content);
 
-// Splits text into lines, accepting LF and CR LF endings; a final line without
-// an ending counts, an empty text has no lines.
+// Walks the lines of a text, LF or CR LF ended; a final line without an ending
+// counts, an empty text has none. Past the last line it gives empty lines.
+class LineCursor {
+ public:
+  explicit LineCursor(std::string_view text) : text_(text) {}
+  std::string_view Next();
+  bool AtEnd() const { return pos_ >= text_.size(); }
+  // The text read so far, line ends included.
+  std::string_view Consumed() const { return text_.substr(0, pos_); }
+
+ private:
+  std::string_view text_;
+  std::size_t pos_ = 0;
+};
+
+// Splits text into lines, as LineCursor walks them.
 std::vector<std::string> SplitLines(std::string_view text);
 
 // dir + separator + name.

@@ -21,8 +21,15 @@ struct LineKind {
   std::string value;  // key value without surrounding blanks
 };
 
+std::string_view Trimmed(std::string_view text) {
+  const size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// Only section and key lines make strings: a result file's block is long.
 LineKind Classify(std::string_view line) {
-  const std::string trimmed = Trim(line);
+  const std::string_view trimmed = Trimmed(line);
   if (trimmed.empty() || trimmed[0] == ';') return {};
   if (trimmed[0] == '[') {
     const size_t close = trimmed.find(']');
@@ -39,8 +46,8 @@ using ParsedKeyFile = std::unordered_map<std::string, std::unordered_map<std::st
 ParsedKeyFile Parse(std::string_view text) {
   ParsedKeyFile parsed;
   std::unordered_map<std::string, std::string>* current = nullptr;
-  for (const std::string& line : SplitLines(text)) {
-    LineKind k = Classify(line);
+  for (LineCursor lines(text); !lines.AtEnd();) {
+    LineKind k = Classify(lines.Next());
     if (k.kind == LineKind::Section) current = &parsed[k.name];
     else if (k.kind == LineKind::Key && current) current->try_emplace(std::move(k.name), std::move(k.value));
   }

@@ -8,10 +8,6 @@
 
 namespace tessiva {
 
-double Round(double x) { return std::nearbyint(x); }
-double Int(double x) { return std::floor(x); }
-double Fix(double x) { return std::trunc(x); }
-
 int32_t ClampToInt32(double x) {
   if (std::isnan(x)) return 0;
   if (x >= 2147483647.0) return std::numeric_limits<int32_t>::max();

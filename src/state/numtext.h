@@ -2,6 +2,7 @@
 // formatter the files and the user see. Nothing else formats or parses numbers.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,11 +11,11 @@
 namespace tessiva {
 
 // Round to nearest, ties to even (the default conversion of a real to an integer).
-double Round(double x);
+inline double Round(double x) { return std::nearbyint(x); }
 // Round down.
-double Int(double x);
+inline double Int(double x) { return std::floor(x); }
 // Round towards zero.
-double Fix(double x);
+inline double Fix(double x) { return std::trunc(x); }
 // Round(x) as a 32-bit integer, saturating at the type's range (NaN gives 0), so
 // that absurd values read from files never overflow.
 int32_t RoundToInt32(double x);

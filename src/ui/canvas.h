@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,12 @@ struct IndexedPicture {
   int height = 0;
   int stride = 0;
   const Colour* palette = nullptr;  // 256 entries
+};
+
+// One box of a batch, corners in user units.
+struct CanvasBox {
+  double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+  Colour colour = 0;
 };
 
 class Canvas {
@@ -49,6 +56,10 @@ class Canvas {
   virtual void Line(double x1, double y1, double x2, double y2, Colour colour) = 0;
   virtual void Box(double x1, double y1, double x2, double y2, Colour colour) = 0;
   virtual void FilledBox(double x1, double y1, double x2, double y2, Colour colour) = 0;
+  // Many boxes in one call, drawn in order. A surface may override these to
+  // draw a whole batch at once; by default each box is drawn on its own.
+  virtual void Boxes(std::span<const CanvasBox> boxes);
+  virtual void FilledBoxes(std::span<const CanvasBox> boxes);
   virtual void Circle(double cx, double cy, double radius, Colour colour) = 0;
   virtual void Point(double x, double y, Colour colour) = 0;
   virtual void Text(double x, double y, const std::string& text, Colour colour) = 0;

@@ -1,0 +1,44 @@
+// The frame window (MDIForm1): the three commands, the client area in which one
+// tool window shows at a time, the status texts and the logo. It forwards its
+// events to the MDIForm1 controller and mirrors the frame's registry.
+#pragma once
+
+#include <QMainWindow>
+#include <QPoint>
+#include <memory>
+
+#include "registrybinding.h"
+#include "state/frame.h"
+#include "state/param.h"
+
+namespace tessiva {
+
+class FrameWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param);
+  ~FrameWindow() override;
+
+  // Size and place from the controller's bounds of "MDIForm1", on a screen whose
+  // usable area starts at `screenOrigin`.
+  void PlaceAtStartBounds(QPoint screenOrigin);
+
+ protected:
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  QWidget* BuildCommandBar();
+  QWidget* BuildClientArea();
+  void BuildStatusArea();
+  void OnClicked(const std::string& name);
+
+  MDIForm1& controller_;
+  ControlRegistry& controls_;
+  QWidget* client_ = nullptr;
+  std::unique_ptr<RegistryBinding> binding_;
+};
+
+}  // namespace tessiva

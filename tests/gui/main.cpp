@@ -1,0 +1,10 @@
+#include <QApplication>
+
+#include "suites.h"
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  int failed = RunQtPortTests(argc, argv);
+  failed += RunWindowFlows(argc, argv);
+  return failed == 0 ? 0 : 1;
+}

@@ -1,0 +1,5 @@
+// The QtTest classes of test_gui, each run by its own function.
+#pragma once
+
+int RunQtPortTests(int argc, char** argv);
+int RunWindowFlows(int argc, char** argv);

@@ -1,0 +1,235 @@
+#include "setup/picture.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <limits>
+#include <random>
+#include <tuple>
+
+#include "state/param.h"
+#include "support/tempdir.h"
+
+namespace tessiva {
+namespace {
+
+constexpr size_t kHead = 14 + 40 + 1024;
+constexpr int32_t kIntMax = std::numeric_limits<int32_t>::max(), kIntMin = std::numeric_limits<int32_t>::min();
+
+void Put32(std::string& out, size_t at, int32_t v) {
+  for (size_t i = 0; i < 4; ++i) out[at + i] = static_cast<char>(static_cast<uint32_t>(v) >> (8 * i));
+}
+
+// A BMP built byte by byte: header, palette entry i = (i + shift) as B, G, R,
+// then the row bytes exactly as given, in file order (bottom row first).
+std::string Bmp(int32_t width, int32_t height, const std::string& rows, uint8_t shift = 0) {
+  std::string out(kHead, '\0');
+  out[0] = 'B';
+  out[1] = 'M';
+  out[14] = 40;  // information header size
+  out[26] = 1;   // planes
+  out[28] = 8;   // bits per pixel
+  Put32(out, 18, width);
+  Put32(out, 22, height);
+  for (size_t i = 0; i < 256; ++i) out[54 + 4 * i] = static_cast<char>(i + shift);  // blue only
+  return out + rows;
+}
+
+// Rows of `rowLength` bytes: level 16 * fileRow + x % 7 over the width, 0xEE padding.
+std::string Rows(int32_t width, int32_t height, size_t rowLength) {
+  std::string rows;
+  for (int32_t r = 0; r < height; ++r) {
+    std::string row(rowLength, '\xEE');
+    for (int32_t x = 0; x < width; ++x) row[x] = static_cast<char>(16 * r + x % 7);
+    rows += row;
+  }
+  return rows;
+}
+std::string Plain(int32_t width, int32_t height) { return Bmp(width, height, Rows(width, height, (width + 3) & ~3)); }
+int32_t Level(int32_t x, int32_t fileRow) { return 16 * fileRow + x % 7; }
+
+std::vector<int32_t> Values(const GreyArray& a) {
+  return {a.Data(), a.Data() + (a.Empty() ? 0 : a.Stride() * (a.UpperY() + 1))};
+}
+auto Snapshot(const AppState& s) {
+  return std::tuple{s.Lima,           s.Hima,          s.PixRef.UpperX(), Values(s.PixRef),
+                    Values(s.PixDef), s.PicRefPalette, s.PicDefPalette};
+}
+
+struct PictureFixture : ::testing::Test {
+  testing::TempDir dir;
+  AppState s;
+
+  PictureFixture() { s.Lpas = 8; }
+  bool Load(const std::string& ref, const std::string& def) {
+    s.PicRefPath = dir.Write("ref.bmp", ref);
+    s.PicDefPath = dir.Write("def.bmp", def);
+    return ChargePicArea(s);
+  }
+  // Loads a pair that has to be read, both arrays sized width x height.
+  ::testing::AssertionResult LoadSized(const std::string& ref, const std::string& def, int32_t w, int32_t h) {
+    if (!Load(ref, def)) return ::testing::AssertionFailure() << "refused";
+    if (s.PixRef.UpperX() != w || s.PixRef.UpperY() != h || s.PixDef.UpperX() != w)
+      return ::testing::AssertionFailure() << "arrays " << s.PixRef.UpperX() << "x" << s.PixRef.UpperY();
+    return ::testing::AssertionSuccess();
+  }
+};
+
+TEST_F(PictureFixture, RowsArePaddedToFourBytesAndStoredBottomUp) {
+  const std::tuple<int32_t, int32_t, size_t> cases[] = {{1023, 2, 1024}, {1024, 2, 1024}, {1, 3, 4}, {6, 4, 8}};
+  for (auto [width, height, rowLength] : cases) {
+    SCOPED_TRACE(width);
+    const std::string file = Bmp(width, height, Rows(width, height, rowLength));
+    ASSERT_TRUE(LoadSized(file, file, width, height));
+    EXPECT_EQ(std::tie(s.Lima, s.Hima), std::tie(width, height));
+    int wrong = 0;
+    for (int32_t r = 0; r < height; ++r) {
+      for (int32_t x = 0; x < width; ++x) wrong += s.PixRef(x, height - 1 - r) != Level(x, r);
+      wrong += s.PixDef(width, r) != 0;  // padding never lands beyond the picture
+    }
+    EXPECT_EQ(wrong, 0);
+  }
+}
+
+TEST_F(PictureFixture, PalettesAreKeptAsRgbAndNeverApplied) {
+  ASSERT_TRUE(LoadSized(Bmp(4, 1, "\x01\x02\x03\x04", 100), Bmp(4, 1, "\x05\x06\x07\x08", 7), 4, 1));
+  EXPECT_EQ(s.PicRefPalette[0], 100u);  // blue in the low byte
+  EXPECT_EQ(s.PicRefPalette[200], 44u);
+  EXPECT_EQ(s.PicDefPalette[1], 8u);
+  EXPECT_EQ(s.PixRef(0, 0), 1);
+  EXPECT_EQ(s.PixDef(3, 0), 8);
+}
+
+TEST_F(PictureFixture, ReferenceSkippedOrRefusedLeavesEverythingAsItWas) {
+  const auto sized = [](int32_t width, int32_t height) { return Bmp(width, height, std::string(64, '\x01')); };
+  std::string swapped = Plain(4, 4);
+  std::swap(swapped[0], swapped[1]);  // "MB" is "BM" read the wrong way round
+  const std::tuple<const char*, std::string, bool> cases[] = {
+      {"other format", "GIF89a\x04\x00\x04\x00", true},
+      {"letters swapped", swapped, true},
+      {"empty", "", true},
+      {"zero width", sized(0, 5), false},
+      {"top-down rows", sized(5, -3), false},
+      {"width beyond 32768", sized(32769, 1), false},
+      {"giant together", sized(32768, 32768), false},
+      {"widest field", sized(kIntMax, 1), false},
+      {"most negative", sized(1, kIntMin), false},
+  };
+  for (const auto& [name, ref, accepted] : cases) {
+    SCOPED_TRACE(name);
+    s.Lima = 5;
+    s.Hima = 4;
+    AllocPatAndPictures(s);
+    s.PixRef(1, 1) = 42;
+    s.PixDef(2, 2) = 43;
+    s.PicRefPalette.fill(0x123456);
+    const auto before = Snapshot(s);
+    EXPECT_EQ(Load(ref, Plain(9, 9)), accepted);  // a file that isn't a BMP is no failure
+    EXPECT_TRUE(Snapshot(s) == before);
+  }
+  const auto before = Snapshot(s);
+  for (const std::string& path : {dir.File("absent.bmp"), dir.Path()}) {
+    s.PicRefPath = path;
+    EXPECT_FALSE(ChargePicArea(s)) << path;
+  }
+  EXPECT_TRUE(Snapshot(s) == before);
+}
+
+TEST_F(PictureFixture, DeformedSkippedOrRefusedKeepsItsArrayAndTheReference) {
+  std::string wide = Plain(2, 2);
+  Put32(wide, 18, 40000);
+  const std::tuple<const char*, std::string, bool> cases[] = {
+      {"not a BMP", "P5\n2 2\n255\n", true}, {"too wide", wide, false}, {"missing", "", false}};
+  for (const auto& [name, def, accepted] : cases) {
+    SCOPED_TRACE(name);
+    s.PicDefPalette.fill(0x654321);
+    s.PicRefPath = dir.Write("ref.bmp", Plain(2, 2));
+    s.PicDefPath = def.empty() ? dir.File("absent.bmp") : dir.Write("def.bmp", def);
+    EXPECT_EQ(ChargePicArea(s), accepted);
+    ASSERT_EQ(s.PixRef.UpperX(), 2);
+    EXPECT_EQ(s.PixRef(1, 0), Level(1, 1));
+    EXPECT_EQ(Values(s.PixDef), std::vector<int32_t>(9, 0));  // as the reference's load left it
+    EXPECT_EQ(s.PicDefPalette[0], 0x654321u);
+  }
+}
+
+TEST_F(PictureFixture, ShortFileKeepsTheBytesItHoldsAndLeavesTheRest) {
+  const std::string full = Plain(4, 4);
+  const std::tuple<const char*, size_t, int> cases[] = {{"two and a half rows", kHead + 10, 10},
+                                                        {"no pixels", kHead, 0},
+                                                        {"palette cut", 300, 0},
+                                                        {"last byte missing", full.size() - 1, 15}};
+  for (const auto& [name, length, pixelsRead] : cases) {
+    SCOPED_TRACE(name);
+    ASSERT_TRUE(LoadSized(full.substr(0, length), full, 4, 4));
+    for (int i = 0; i < 16; ++i) {  // in file order
+      const int32_t x = i % 4, r = i / 4;
+      EXPECT_EQ(s.PixRef(x, 3 - r), i < pixelsRead ? Level(x, r) : 0) << i;
+    }
+  }
+}
+
+TEST_F(PictureFixture, NamesInLowerCaseFindFilesOfAnotherCase) {
+  dir.Write("REF.BMP", Plain(2, 2));
+  dir.Write("Def.Bmp", Plain(2, 2));
+  s.PicRefPath = dir.File("ref.bmp");
+  s.PicDefPath = dir.File("def.bmp");
+  ASSERT_TRUE(ChargePicArea(s));
+  ASSERT_EQ(s.PixDef.UpperX(), 2);
+  EXPECT_EQ(s.PixDef(1, 0), Level(1, 1));
+}
+
+TEST_F(PictureFixture, DeformedOfAnotherSizeIsCutToTheReferenceArrays) {
+  for (auto [width, height] : {std::pair{6, 5}, {2, 2}, {5, 1}}) {
+    SCOPED_TRACE(::testing::Message() << width << "x" << height);
+    ASSERT_TRUE(LoadSized(Plain(4, 3), Plain(width, height), 4, 3));
+    EXPECT_EQ(std::tie(s.Lima, s.Hima), std::tie(width, height));  // the deformed picture has the last word
+    for (int32_t y = 0; y <= 3; ++y)
+      for (int32_t x = 0; x <= 4; ++x)
+        EXPECT_EQ(s.PixDef(x, y), x < width && y < height ? Level(x, height - 1 - y) : 0) << x << "," << y;
+  }
+}
+
+TEST_F(PictureFixture, SavedGreyPictureReadsBackAndBadSizesWriteNothing) {
+  std::vector<uint8_t> levels(5 * 3);
+  for (size_t i = 0; i < levels.size(); ++i) levels[i] = static_cast<uint8_t>(i * 17);
+  ASSERT_TRUE(SaveGreyBmp(dir.File("grey.bmp"), 5, 3, levels));
+  EXPECT_EQ(dir.Read("grey.bmp").size(), kHead + 8 * 3);
+  s.PicRefPath = s.PicDefPath = dir.File("grey.bmp");
+  ASSERT_TRUE(ChargePicArea(s));
+  EXPECT_EQ(s.PicRefPalette[200], 0xC8C8C8u);
+  ASSERT_EQ(s.PixDef.UpperX(), 5);
+  for (int32_t i = 0; i < 15; ++i) EXPECT_EQ(s.PixDef(i % 5, i / 5), levels[i]);
+
+  for (auto [width, height, count] : {std::tuple{0, 3, 0}, {5, 3, 14}, {40000, 1, 40000}}) {
+    EXPECT_FALSE(SaveGreyBmp(dir.File("bad.bmp"), width, height, std::vector<uint8_t>(count)));
+    EXPECT_FALSE(std::filesystem::exists(dir.File("bad.bmp")));
+  }
+}
+
+// Damaged files of every kind may be refused or read as garbage, but never
+// crash the reader, make it allocate for an absurd header or change the file.
+TEST_F(PictureFixture, DamagedFilesNeverCrashNorChangeTheFile) {
+  const std::string good = Plain(13, 7);
+  const int32_t fields[] = {kIntMax, kIntMin, -1, 0, 32769, 1 << 20, 65535};
+  std::mt19937 random(20240611);
+  const auto pick = [&](size_t n) { return static_cast<size_t>(random() % n); };
+  for (int i = 0; i < 300; ++i) {
+    std::string damaged = good;
+    if (i % 3 == 0) damaged.resize(pick(good.size()));
+    if (i % 3 == 1)
+      for (size_t k = 1 + pick(8); k > 0; --k) damaged[pick(2) ? pick(54) : pick(good.size())] = char(random());
+    if (i % 3 == 2)
+      for (size_t k = 1 + pick(2); k > 0; --k) Put32(damaged, pick(2) ? 18 : 22, fields[pick(std::size(fields))]);
+    SCOPED_TRACE(i);
+    AppState fresh;
+    fresh.PicRefPath = dir.Write("ref.bmp", i % 2 ? good : damaged);
+    fresh.PicDefPath = dir.Write("def.bmp", i % 2 ? damaged : good);
+    ChargePicArea(fresh);
+    EXPECT_EQ(dir.Read(i % 2 ? "def.bmp" : "ref.bmp"), damaged);
+    EXPECT_LE(int64_t{fresh.PixRef.UpperX()} * fresh.PixRef.UpperY(), int64_t{1} << 26);
+  }
+}
+
+}  // namespace
+}  // namespace tessiva
