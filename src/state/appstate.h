@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "state/meshrecords.h"
 #include "ui/canvas.h"
 
 namespace tessiva {
@@ -153,9 +154,56 @@ struct AppState {
   int32_t ClfYMin = -15;
   int32_t ClfYMax = 25;
 
-  // Lines of correl.ini's head, and their count (kept for later readers).
+  // Shared buffer of text lines and the count of its head lines: the head of
+  // correl.ini, or a result file's lines up to and with [RESULTS].
   std::vector<std::string> TexteLignes;
   int32_t NbLignesEntete = 0;
+
+  // The current result file: arrays parallel to XPat and YPat (1..NbPat),
+  // sized by AllocPat and overwritten by each result read.
+  std::vector<int32_t> FlagPat;  // -1 good, 1 not good in the file, 0 rejected by the mesh
+  std::vector<double> D1Pat;     // displacement at the centre
+  std::vector<double> D2Pat;
+  std::vector<double> AuPat;  // u = Au x/L + Bu y/L + Cu x y/L^2 + Du from the pattern's first corner
+  std::vector<double> BuPat;
+  std::vector<double> CuPat;
+  std::vector<double> DuPat;
+  std::vector<double> AvPat;
+  std::vector<double> BvPat;
+  std::vector<double> CvPat;
+  std::vector<double> DvPat;
+  std::vector<int32_t> Res1Pat;  // the solver's fourth line, stored only
+  std::vector<int32_t> Res2Pat;
+  std::vector<double> Res3Pat;
+  std::vector<double> NormPat;  // norm of (Du, Dv) for a good pattern, 0 otherwise
+  // Means of D1Pat, D2Pat and NormPat over the good patterns.
+  double MoyD1 = 0.0;
+  double MoyD2 = 0.0;
+  double MoyNorm = 0.0;
+  // Extent of the pattern centres. It starts at 0 and is never reset, so the
+  // minima stay 0 for positive coordinates and the maxima only grow.
+  double XPatMax = 0.0;
+  double YPatMax = 0.0;
+  double XPatMin = 0.0;
+  double YPatMin = 0.0;
+
+  // Analysis mesh over the whole picture: cells 1..NbMailles, nodes 1..NbNoeuds.
+  std::vector<MeshCell> Mailles;
+  std::vector<MeshNode> Noeuds;
+  int32_t NbMailles = 0;
+  int32_t NbNoeuds = 0;
+  // Working cell and node numbers, read by other operations right after a look-up.
+  int32_t CurMaille = 0;
+  int32_t CurNoeud = 0;
+  int32_t XGridMin = 0;
+  int32_t XGridMax = 0;
+  int32_t YGridMin = 0;
+  int32_t YGridMax = 0;
+  // Range of the scatter of accepted nodes, and the copies the range options restore.
+  double EcartMin = 0.0;
+  double EcartMax = 0.0;
+  double EcartMinStored = 0.0;
+  double EcartMaxStored = 0.0;
 
   // Sizes every start-point array for `count` points (index 1..count).
   void ResizeStartPoints(int32_t count);

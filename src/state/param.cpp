@@ -17,10 +17,13 @@ int32_t WholeValue(const ControlRegistry& c, const char* field) { return RoundTo
 
 }  // namespace
 
+int64_t PatternCapacity(int32_t lima, int32_t hima, int32_t lpas) {
+  if (lima <= 0 || hima <= 0 || lpas <= 0) return 0;
+  return static_cast<int64_t>(Round(static_cast<double>(hima) / lpas * (static_cast<double>(lima) / lpas)));
+}
+
 void AllocPat(AppState& s) {
-  const double perRow = s.Lpas > 0 ? static_cast<double>(s.Lima) / s.Lpas : 0.0;
-  const double perColumn = s.Lpas > 0 ? static_cast<double>(s.Hima) / s.Lpas : 0.0;
-  s.NbPatMax = std::max(0, RoundToInt32(perColumn * perRow));
+  s.NbPatMax = ClampToInt32(static_cast<double>(PatternCapacity(s.Lima, s.Hima, s.Lpas)));
   const int32_t half = RoundToInt32(s.NbPatMax / 2.0);
   const double side = std::sqrt(static_cast<double>(s.NbPatMax)) + 2.0;
   s.NbNoeudsMax = RoundToInt32(side * side);
@@ -28,6 +31,12 @@ void AllocPat(AppState& s) {
   s.XPat.assign(n, 0);
   s.YPat.assign(n, 0);
   s.BadPat.assign(static_cast<size_t>(half) + 1, 0);
+  for (std::vector<int32_t>* a : {&s.FlagPat, &s.Res1Pat, &s.Res2Pat}) a->assign(n, 0);
+  for (std::vector<double>* a : {&s.D1Pat, &s.D2Pat, &s.AuPat, &s.BuPat, &s.CuPat, &s.DuPat, &s.AvPat, &s.BvPat,
+                                 &s.CvPat, &s.DvPat, &s.Res3Pat, &s.NormPat})
+    a->assign(n, 0.0);
+  s.Mailles.assign(n, MeshCell{});
+  s.Noeuds.assign(static_cast<size_t>(s.NbNoeudsMax) + 1, MeshNode{});
 }
 
 void AllocPatAndPictures(AppState& s) {

@@ -3,6 +3,7 @@
 // every value into its range.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -11,7 +12,11 @@
 
 namespace tessiva {
 
-// Makes the pattern, cell and node arrays anew for the current Lpas and picture size.
+// Round((hima / lpas) x (lima / lpas)): the patterns, and cells, a picture
+// holds at a grid step; 0 for a picture or step that isn't positive.
+int64_t PatternCapacity(int32_t lima, int32_t hima, int32_t lpas);
+// Makes the pattern, result, cell and node arrays anew for the current Lpas and
+// picture size; their contents are lost.
 void AllocPat(AppState& s);
 // The same, and the two picture arrays too (a picture or a result file is read).
 void AllocPatAndPictures(AppState& s);

@@ -1,0 +1,118 @@
+// The analysis window's logic (NewAnalyse): the window state that reading a
+// result, building the mesh and computing strains depend on, the window's
+// control registry, and the operations of the tools that work on a loaded
+// result. The Qt window is a thin view over it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "results/distortion.h"
+#include "state/appstate.h"
+#include "state/gages.h"
+#include "state/param.h"
+#include "ui/controls.h"
+#include "ui/uiport.h"
+
+namespace tessiva {
+
+// A picture the window shows: the reference (PicAnaTemp) or the deformed one
+// (PicAnaTemp2). A box without a picture measures 100 x 100 pixels.
+struct AnalysisPicture {
+  static constexpr int32_t kEmptyBoxSide = 100;
+  GreyArray Pixels;
+  std::array<Colour, 256> Palette{};
+  int32_t Width() const { return Pixels.Empty() ? kEmptyBoxSide : Pixels.UpperX(); }
+  int32_t Height() const { return Pixels.Empty() ? kEmptyBoxSide : Pixels.UpperY(); }
+};
+
+// The user scale of the map PicAna, set up when a result is read without Keep.
+struct ViewScale {
+  double Zoom = 1.0;
+  double Left = 0.0;
+  double Top = 0.0;
+  double Width = 1.0;
+  double Height = 1.0;
+};
+
+class NewAnalyse {
+ public:
+  // A range that no valid node has widened.
+  static constexpr double kNoData = -999999.0;
+
+  NewAnalyse(AppState& state, UiPort& ui, Param& param) : s_(state), ui_(ui), param_(param) {}
+  virtual ~NewAnalyse() = default;
+  NewAnalyse(const NewAnalyse&) = delete;
+  NewAnalyse& operator=(const NewAnalyse&) = delete;
+
+  AppState& State() { return s_; }
+  UiPort& Ui() { return ui_; }
+  Param& Parameters() { return param_; }
+  ControlRegistry& Controls() { return controls_; }
+  // The gauges of the measuring control JaugeCtrl1.
+  GageStore& Gages() { return gages_; }
+
+  // Member of the sequence on show.
+  int32_t CurFile = 1;
+  // Option2: strains on the reference configuration ("Intial -> Final") when
+  // true, on the deformed one ("Final -> Initial") when false.
+  bool bInitial = true;
+  // Code of the field on show.
+  int32_t VueCourante = 2;
+  // Angle of the user's axis 1, radians, and cos and sin of twice that angle.
+  double Teta1 = 0.0;
+  double Cos2Teta = 1.0;
+  double Sin2Teta = 0.0;
+  // 1 when the result names the first picture of an incremental sequence.
+  int32_t Incremental = 0;
+  // Unit texts of the fields: 2 along x, 3 along y, 4 of a norm.
+  std::array<std::string, 5> UniteLabels;
+  AnalysisPicture PicAnaTemp;
+  AnalysisPicture PicAnaTemp2;
+  ViewScale View;
+  // The distortion correction ("Distorsions" frame).
+  Distortion Distor;
+  // Displacement range of the current result; kNoData when no node was valid.
+  double MaxU = 0.0;
+  double MaxV = 0.0;
+
+  // "Show Bad Pattern" (check box Bad): 1 when patterns that aren't good are shown.
+  int32_t ShowBad() const { return controls_.Checked("Bad") ? 1 : 0; }
+  // Option3: the map on the final picture.
+  bool OnFinal() const { return controls_.Checked("Option3(0)"); }
+
+  // The strain calculation at the corners and nodes, then the strain ranges.
+  // Skipped entirely when the displacement range found no valid node.
+  void MinMaxDeformation();
+  // The check box OkDistor: asks for the result of a rigid target and fits
+  // the correction, or turns it off; then the ranges and the map follow.
+  void OnOkDistorClick(bool checked);
+  // Shows the collector window Info.
+  void ShowInfo();
+
+  // Operations of the tools built on a loaded result.
+  // Ranges of U, V and the norm over the valid nodes.
+  virtual void MinMaxDeplacement();
+  // Ranges of the strain measures over the valid nodes.
+  virtual void RangesOfDeformation();
+  // Stress intensity factors from domain integrals round the crack tip.
+  virtual void CalculKI();
+  // Writes the stress intensity row to the collector.
+  virtual void AfficheKI(bool showHead);
+  // Replays the stored selection and its gauges on the current file.
+  virtual void AfficheEtTraiteAOS(bool showHead);
+  // Repaints the map.
+  virtual void PicAnaRefresh();
+  // Sizes and centres PicAna and Repere in their frame.
+  virtual void LayOutPicAna();
+
+ private:
+  AppState& s_;
+  UiPort& ui_;
+  Param& param_;
+  ControlRegistry controls_;
+  GageStore gages_;
+};
+
+}  // namespace tessiva
