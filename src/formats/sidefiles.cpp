@@ -134,9 +134,9 @@ class AoiReader {
       if (std::find(s_.StartOk.begin() + 1, s_.StartOk.end(), true) != s_.StartOk.end()) form_.PropagArea();
       return;
     }
-    // The automatic search of the unsolved start points is done by the setup engine.
-    for (int32_t i = 1; i <= s_.NbStart; ++i)
-      if (s_.StartOk[At(i)]) form_.PropagArea();
+    // Each start point is moved to the centre of its pattern and searched anew;
+    // a success walks on from it, a refusal says so and waits for that point.
+    for (int32_t i = 1; i <= s_.NbStart; ++i) setup::SearchStartPoint(form_, i);
   }
 
   AreaForm& form_;

@@ -32,7 +32,12 @@ void AreaForm::RefreshView(PictureView& view) {
   view.ApplyScale();
   canvas->Clear();
   view.PaintPicture();
-  if (&view == &refView_) DrawAreaOutlines(*canvas);
+  if (&view == &refView_) {
+    DrawAreaOutlines(*canvas);
+    setup::DrawRefOverlays(*this, *canvas);
+  } else {
+    setup::DrawDefOverlays(*this, *canvas);
+  }
   canvas->Refresh();
 }
 
@@ -50,28 +55,13 @@ void AreaForm::DrawAreaOutlines(Canvas& canvas) {
   }
 }
 
-void AreaForm::DeleteGrille() {
-  s_.NbStart = 0;
-  s_.CurStart = 0;
-  s_.ResizeStartPoints(0);
-  s_.NbPat = 0;
+void AreaForm::DeleteGrille() { setup::DeleteGrille(*this); }
+void AreaForm::DeleteAOI() { setup::DeleteAOI(*this); }
+void AreaForm::CreateRectArea() { setup::CreateRectArea(*this); }
+void AreaForm::CreateBoxJauge(int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t kind, int32_t tag) {
+  setup::CreateBoxJauge(*this, x1, y1, x2, y2, kind, tag);
 }
-
-void AreaForm::DeleteAOI() {
-  DeleteGrille();
-  s_.NbBox = 1;
-  for (auto& row : s_.XBox) row.fill(0);
-  for (auto& row : s_.YBox) row.fill(0);
-  s_.Nbox.fill(0);
-  s_.TagBox.fill(0);
-  gages_.Clear();
-}
-
-// The grid, the gauge areas and the propagation are laid by the setup engine;
-// until then a data file keeps its areas and start points without a grid.
-void AreaForm::CreateRectArea() {}
-void AreaForm::CreateBoxJauge(int32_t, int32_t, int32_t, int32_t, int32_t, int32_t) {}
-void AreaForm::PropagArea() {}
+void AreaForm::PropagArea() { setup::PropagArea(*this); }
 
 void AreaForm::ShowStartPointsDefined() { controls_.SetEnabled("Toolbar2.InitialSolution", true); }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "setup/engine.h"
 #include "setup/pictureview.h"
 #include "state/appstate.h"
 #include "state/gages.h"
@@ -27,6 +28,8 @@ class AreaForm {
   GageStore& Gages() { return gages_; }
   PictureView& RefView() { return refView_; }
   PictureView& DefView() { return defView_; }
+  // Grid, walk, start search, colour scale and tools in progress.
+  SetupEngine& Engine() { return engine_; }
 
   // Reads both pictures, shows their titles and makes the views ready.
   // Returns false when a picture could not be read.
@@ -64,6 +67,7 @@ class AreaForm {
   GageStore gages_;
   PictureView refView_;
   PictureView defView_;
+  SetupEngine engine_;
 };
 
 }  // namespace tessiva
