@@ -9,9 +9,12 @@
 #include <string>
 
 #include "results/distortion.h"
+#include "results/palette.h"
+#include "results/ranges.h"
 #include "state/appstate.h"
 #include "state/gages.h"
 #include "state/param.h"
+#include "ui/canvas.h"
 #include "ui/controls.h"
 #include "ui/uiport.h"
 
@@ -38,8 +41,8 @@ struct ViewScale {
 
 class NewAnalyse {
  public:
-  // A range that no valid node has widened.
-  static constexpr double kNoData = -999999.0;
+  // A displacement range that no valid node has widened.
+  static constexpr double kNoData = -kDisplacementRangeStart;
 
   NewAnalyse(AppState& state, UiPort& ui, Param& param) : s_(state), ui_(ui), param_(param) {}
   virtual ~NewAnalyse() = default;
@@ -73,14 +76,33 @@ class NewAnalyse {
   ViewScale View;
   // The distortion correction ("Distorsions" frame).
   Distortion Distor;
-  // Displacement range of the current result; kNoData when no node was valid.
-  double MaxU = 0.0;
-  double MaxV = 0.0;
+  // Value ranges of the current result (MaxU is kNoData when no node was
+  // valid) and the copies each search stores before trimming.
+  ValueRanges Ranges;
+  ValueRanges StoredRanges;
+  // "Auto adjust Min-Max" and "Keep Min-Max between sequence".
+  bool AutoMinMax = false;
+  bool KeepMinMax = false;
+  // The palette of the maps and the bar, with its colour steps and its rule
+  // for values out of range.
+  int32_t StyleColorIdx = kClassicalPalette;
+  ColourScale Palette;
+  // The slider VScroll1: the number of colour steps.
+  int32_t VScroll1 = 100;
+  // The value under the pointer of the bar.
+  double IsoCourante = 0.0;
+  // Distribution of the current map over the bar, and its largest entry.
+  Histogram Histo{};
+  int32_t HistoMax = 0;
+  // The colour bar's surface; the bar isn't drawn while none is attached.
+  Canvas* IsoPic = nullptr;
 
   // "Show Bad Pattern" (check box Bad): 1 when patterns that aren't good are shown.
   int32_t ShowBad() const { return controls_.Checked("Bad") ? 1 : 0; }
   // Option3: the map on the final picture.
   bool OnFinal() const { return controls_.Checked("Option3(0)"); }
+  // "Substract mean" (check box SubMeanCheck): 1 when the means are taken off displacements.
+  int32_t SubMean() const { return controls_.Checked("SubMeanCheck") ? 1 : 0; }
 
   // The strain calculation at the corners and nodes, then the strain ranges.
   // Skipped entirely when the displacement range found no valid node.
@@ -91,10 +113,27 @@ class NewAnalyse {
   // Shows the collector window Info.
   void ShowInfo();
 
+  // Paints the colour bar IsoPic with VScroll1 steps of the current palette.
+  void AfficheEchelleNew();
+  // A click on scale label 0 (the minimum) or 4 (the maximum): asks for a new
+  // limit of the current view's range, in the display unit; a limit that
+  // would close or reverse the range is refused.
+  void LabEchelle(int index);
+  // A click on option OptionMinMax(index): 0 "Find Min-Max every time", 1
+  // "Keep Min-Max between sequence", 2 "Auto adjust Min-Max".
+  void OptionMinMax(int index);
+  // A click on palette option StyleColor(index).
+  void StyleColor(int index);
+  // The pointer on the bar, at x in the bar's scale: with the left button
+  // down it shows the value there, IsoCourante; its release hides it.
+  void OnIsoPicMouseDown(int button, double x);
+  void OnIsoPicMouseMove(int button, double x);
+  void OnIsoPicMouseUp(int button);
+
   // Operations of the tools built on a loaded result.
-  // Ranges of U, V and the norm over the valid nodes.
+  // Ranges of U, V and the norm over the valid nodes; kept as they are with KeepMinMax.
   virtual void MinMaxDeplacement();
-  // Ranges of the strain measures over the valid nodes.
+  // Ranges of the strain measures over the valid nodes; kept as they are with KeepMinMax.
   virtual void RangesOfDeformation();
   // Stress intensity factors from domain integrals round the crack tip.
   virtual void CalculKI();
@@ -108,6 +147,11 @@ class NewAnalyse {
   virtual void LayOutPicAna();
 
  private:
+  RangeSettings RangeSettingsNow() const;
+  ViewRange CurrentRange(int32_t view);
+  void RestoreStoredRange(int32_t view);
+  void ShowIsoPointer(double x);
+
   AppState& s_;
   UiPort& ui_;
   Param& param_;

@@ -187,7 +187,7 @@ TEST_F(StrainFields, NodesOfNoGoodCellKeepTheirValues) {
 TEST_F(StrainFields, NoValidDisplacementRangeSkipsTheCalculation) {
   ReadBlock(FieldOf({1.1, 0.0, 0.0, 1.0}), true);
   window.bInitial = false;
-  window.MaxU = NewAnalyse::kNoData;
+  window.Ranges.MaxU = NewAnalyse::kNoData;
   window.MinMaxDeformation();
   ForEachBlockNode([](const MeshNode& node) { ExpectClose(node.E11, 10.5, "E11 of the earlier run"); });
 }

@@ -1,0 +1,155 @@
+#include "icgn.h"
+
+#include <cmath>
+
+namespace tessiva::solver {
+namespace {
+
+// Inverts a symmetric positive 6x6 matrix by Gauss-Jordan with partial pivoting.
+bool Invert6(const double a[36], double inv[36]) {
+  double m[6][12];
+  for (int r = 0; r < 6; ++r)
+    for (int c = 0; c < 12; ++c) m[r][c] = c < 6 ? a[r * 6 + c] : (c - 6 == r ? 1.0 : 0.0);
+  for (int col = 0; col < 6; ++col) {
+    int pivot = col;
+    for (int r = col + 1; r < 6; ++r)
+      if (std::fabs(m[r][col]) > std::fabs(m[pivot][col])) pivot = r;
+    if (std::fabs(m[pivot][col]) < 1e-12) return false;
+    if (pivot != col)
+      for (int c = 0; c < 12; ++c) std::swap(m[pivot][c], m[col][c]);
+    const double scale = 1.0 / m[col][col];
+    for (int c = 0; c < 12; ++c) m[col][c] *= scale;
+    for (int r = 0; r < 6; ++r) {
+      if (r == col || m[r][col] == 0.0) continue;
+      const double f = m[r][col];
+      for (int c = 0; c < 12; ++c) m[r][c] -= f * m[col][c];
+    }
+  }
+  for (int r = 0; r < 6; ++r)
+    for (int c = 0; c < 6; ++c) inv[r * 6 + c] = m[r][c + 6];
+  return true;
+}
+
+// The affine warp as a 3x3 matrix acting on (dX, dY, 1).
+struct Affine {
+  double a11, a12, a13, a21, a22, a23;
+};
+
+Affine ToAffine(const Warp& w) { return {1.0 + w.ux, w.uy, w.u, w.vx, 1.0 + w.vy, w.v}; }
+Warp FromAffine(const Affine& m) { return {m.a13, m.a11 - 1.0, m.a12, m.a23, m.a21, m.a22 - 1.0}; }
+
+// W(p) composed with the inverse of W(dp): the inverse-compositional update.
+bool ComposeInverse(Warp& w, const Warp& dp) {
+  const Affine d = ToAffine(dp);
+  const double det = d.a11 * d.a22 - d.a12 * d.a21;
+  if (std::fabs(det) < 1e-12) return false;
+  const Affine di{d.a22 / det,  -d.a12 / det, (d.a12 * d.a23 - d.a22 * d.a13) / det,
+                  -d.a21 / det, d.a11 / det,  (d.a21 * d.a13 - d.a11 * d.a23) / det};
+  const Affine m = ToAffine(w);
+  w = FromAffine({m.a11 * di.a11 + m.a12 * di.a21, m.a11 * di.a12 + m.a12 * di.a22,
+                  m.a11 * di.a13 + m.a12 * di.a23 + m.a13, m.a21 * di.a11 + m.a22 * di.a21,
+                  m.a21 * di.a12 + m.a22 * di.a22, m.a21 * di.a13 + m.a22 * di.a23 + m.a23});
+  return true;
+}
+
+}  // namespace
+
+bool SubsetCorrelator::PrepareReference(int32_t cx, int32_t cy, int32_t half) {
+  if (!ref_.Inside(cx - half, cy - half) || !ref_.Inside(cx + half, cy + half)) return false;
+  const size_t n = static_cast<size_t>(2 * half + 1) * (2 * half + 1);
+  f_.resize(n);
+  g_.resize(n);
+  sd_.resize(6 * n);
+  double mean = 0.0;
+  size_t k = 0;
+  for (int32_t dy = -half; dy <= half; ++dy)
+    for (int32_t dx = -half; dx <= half; ++dx, ++k) {
+      const Sample s = ref_.AtPixel(cx + dx, cy + dy);
+      f_[k] = s.value;
+      mean += s.value;
+      double* j = &sd_[6 * k];
+      j[0] = s.dx, j[1] = s.dx * dx, j[2] = s.dx * dy, j[3] = s.dy, j[4] = s.dy * dx, j[5] = s.dy * dy;
+    }
+  mean /= static_cast<double>(n);
+  double sq = 0.0;
+  for (double& f : f_) {
+    f -= mean;
+    sq += f * f;
+  }
+  fNorm_ = std::sqrt(sq);
+  if (fNorm_ < 1e-6) return false;
+  double hessian[36] = {};
+  for (k = 0; k < n; ++k) {
+    const double* j = &sd_[6 * k];
+    for (int r = 0; r < 6; ++r)
+      for (int c = r; c < 6; ++c) hessian[r * 6 + c] += j[r] * j[c];
+  }
+  for (int r = 0; r < 6; ++r)
+    for (int c = 0; c < r; ++c) hessian[r * 6 + c] = hessian[c * 6 + r];
+  return Invert6(hessian, hessianInverse_);
+}
+
+bool SubsetCorrelator::SampleDeformed(int32_t cx, int32_t cy, int32_t half, const Warp& w) {
+  const auto corner = [&](int32_t dx, int32_t dy) {
+    return def_.Inside(cx + dx + w.u + w.ux * dx + w.uy * dy, cy + dy + w.v + w.vx * dx + w.vy * dy);
+  };
+  if (!corner(-half, -half) || !corner(half, -half) || !corner(-half, half) || !corner(half, half)) return false;
+  size_t k = 0;
+  for (int32_t dy = -half; dy <= half; ++dy) {
+    double x = cx - half + w.u + w.ux * -half + w.uy * dy;
+    double y = cy + dy + w.v + w.vx * -half + w.vy * dy;
+    for (int32_t dx = -half; dx <= half; ++dx, ++k) {
+      g_[k] = def_.Value(x, y);
+      x += 1.0 + w.ux;
+      y += w.vx;
+    }
+  }
+  return true;
+}
+
+SubsetResult SubsetCorrelator::Solve(int32_t cx, int32_t cy, int32_t side, const Warp& guess) {
+  SubsetResult result;
+  result.warp = guess;
+  const int32_t half = side / 2;
+  if (!PrepareReference(cx, cy, half)) return result;
+  const size_t n = f_.size();
+  Warp& w = result.warp;
+  while (result.iterations < settings_.maxIterations) {
+    ++result.iterations;
+    if (!SampleDeformed(cx, cy, half, w)) return result;
+    double mean = 0.0;
+    for (double g : g_) mean += g;
+    mean /= static_cast<double>(n);
+    double sq = 0.0;
+    for (double& g : g_) {
+      g -= mean;
+      sq += g * g;
+    }
+    const double gNorm = std::sqrt(sq);
+    if (gNorm < 1e-6) return result;
+    // Gradient of the zero-normalised SSD, in the reference's grey scale.
+    const double ratio = fNorm_ / gNorm;
+    double b[6] = {}, ssd = 0.0;
+    for (size_t k = 0; k < n; ++k) {
+      const double e = f_[k] - ratio * g_[k];
+      ssd += e * e;
+      const double* j = &sd_[6 * k];
+      for (int r = 0; r < 6; ++r) b[r] += j[r] * e;
+    }
+    result.zncc = 1.0 - 0.5 * ssd / (fNorm_ * fNorm_);
+    double dp[6] = {};
+    for (int r = 0; r < 6; ++r)
+      for (int c = 0; c < 6; ++c) dp[r] -= hessianInverse_[r * 6 + c] * b[c];
+    if (!ComposeInverse(w, {dp[0], dp[1], dp[2], dp[3], dp[4], dp[5]})) return result;
+    // The largest displacement the increment makes over the subset.
+    const double du = std::fabs(dp[0]) + half * (std::fabs(dp[1]) + std::fabs(dp[2]));
+    const double dv = std::fabs(dp[3]) + half * (std::fabs(dp[4]) + std::fabs(dp[5]));
+    if (std::hypot(du, dv) < settings_.tolerance) {
+      result.converged = true;
+      return result;
+    }
+  }
+  return result;
+}
+
+}  // namespace tessiva::solver

@@ -1,0 +1,59 @@
+// Sub-pixel correlation of one square subset: inverse-compositional
+// Gauss-Newton with a first-order shape function and the zero-normalised
+// criterion. The Hessian and steepest-descent images come from the reference
+// picture once per subset; each iteration warps only the deformed side.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "interpolation.h"
+
+namespace tessiva::solver {
+
+// The first-order shape function at the subset centre: displacement and its
+// gradient, u(X) = u + ux dX + uy dY, v(X) = v + vx dX + vy dY.
+struct Warp {
+  double u = 0.0, ux = 0.0, uy = 0.0;
+  double v = 0.0, vx = 0.0, vy = 0.0;
+};
+
+struct SubsetResult {
+  Warp warp;
+  bool converged = false;
+  int32_t iterations = 0;
+  double zncc = -1.0;  // 1 for a perfect match
+};
+
+struct IcgnSettings {
+  double tolerance = 0.01;  // stop when the displacement increment is below this, in pixels
+  int32_t maxIterations = 40;
+};
+
+// Per-thread scratch: the subset's reference values and steepest-descent images.
+class SubsetCorrelator {
+ public:
+  SubsetCorrelator(const SampledPicture& ref, const SampledPicture& def, IcgnSettings settings)
+      : ref_(ref), def_(def), settings_(settings) {}
+
+  // Correlates the subset of side `side` centred on the whole pixel (cx, cy),
+  // starting from `guess`. Not converged when the subset leaves either
+  // picture, has no texture, or the iteration doesn't settle.
+  SubsetResult Solve(int32_t cx, int32_t cy, int32_t side, const Warp& guess);
+
+ private:
+  bool PrepareReference(int32_t cx, int32_t cy, int32_t half);
+  // Fills the warped deformed subset; false when it leaves the picture.
+  bool SampleDeformed(int32_t cx, int32_t cy, int32_t half, const Warp& w);
+
+  const SampledPicture& ref_;
+  const SampledPicture& def_;
+  IcgnSettings settings_;
+  std::vector<double> f_;   // zero-mean reference levels
+  std::vector<double> g_;   // warped deformed levels
+  std::vector<double> sd_;  // steepest-descent images, 6 per point
+  double fNorm_ = 0.0;
+  double hessianInverse_[36] = {};
+};
+
+}  // namespace tessiva::solver

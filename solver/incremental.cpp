@@ -1,0 +1,151 @@
+#include "incremental.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "formats/sections.h"
+#include "jobsetup.h"
+#include "resultwriter.h"
+#include "setup/picture.h"
+#include "state/files.h"
+#include "state/numtext.h"
+
+namespace tessiva::solver {
+namespace {
+
+JobOutcome Failure(std::string message) { return {false, std::move(message), 0, 0}; }
+
+// The field of a result file, per pattern as written: flag and first-order warp.
+struct CarriedPattern {
+  bool good = false;
+  Warp warp;
+};
+
+std::vector<std::string> Lines(const std::string& text) { return SplitText(text, "\n"); }
+
+// The [RESULTS] block read back: the centre displacement of line 1 and the
+// gradient of lines 2 and 3 (the coefficients are gradients times L).
+std::vector<CarriedPattern> CarriedField(const std::vector<std::string>& block, int32_t lpatEven) {
+  std::vector<CarriedPattern> field(1);
+  const auto numbers = [](const std::string& line) {
+    std::vector<double> values;
+    for (const std::string& token : SplitText(Trim(line), " "))
+      if (!token.empty()) values.push_back(ValNorm(token));
+    return values;
+  };
+  const double l = lpatEven;
+  for (size_t i = 0; i + 3 < block.size(); i += 4) {
+    const auto first = numbers(block[i]), u = numbers(block[i + 1]), v = numbers(block[i + 2]);
+    if (first.size() < 5 || u.size() < 4 || v.size() < 4) break;
+    field.push_back({first[0] == -1, {first[3], u[0] / l, u[1] / l, first[4], v[0] / l, v[1] / l}});
+  }
+  return field;
+}
+
+// The previous result split at its [RESULTS] line.
+bool SplitResult(const std::string& text, std::string& head, std::vector<std::string>& block) {
+  const std::vector<std::string> lines = Lines(text);
+  for (size_t i = 0; i < lines.size(); ++i) {
+    if (ToLower(Trim(lines[i])).starts_with("[results]")) {
+      block.assign(lines.begin() + static_cast<std::ptrdiff_t>(i) + 1, lines.end());
+      return true;
+    }
+    head += lines[i] + "\n";
+  }
+  return false;
+}
+
+// The head of this member's result: the stub (banner, pictures, ResultFrom)
+// followed by every other section of the previous head (areas, parameters...),
+// so that the next member finds them here in turn.
+std::string MemberHead(const std::string& stub, const std::string& previousHead) {
+  std::string out = stub;
+  if (!out.empty() && out.back() != '\n') out += '\n';
+  bool keep = false;
+  for (const std::string& line : Lines(previousHead)) {
+    const std::string name = ToLower(Trim(line));
+    if (name.starts_with("["))
+      keep = !(name.starts_with("[release]") || name.starts_with("[pictures]") || name.starts_with("[incremental]"));
+    if (keep && !Trim(line).empty()) out += line + "\n";
+  }
+  return out;
+}
+
+// Displacement from the first picture after adding an increment w that holds
+// round the place the point reached: u' = u + w(p), grad u' = grad w (I + grad u) + grad u.
+Warp Accumulate(const Warp& total, const Warp& w, double offX, double offY) {
+  Warp out;
+  out.u = total.u + w.u + w.ux * offX + w.uy * offY;
+  out.v = total.v + w.v + w.vx * offX + w.vy * offY;
+  out.ux = total.ux + w.ux * (1 + total.ux) + w.uy * total.vx;
+  out.uy = total.uy + w.ux * total.uy + w.uy * (1 + total.vy);
+  out.vx = total.vx + w.vx * (1 + total.ux) + w.vy * total.vx;
+  out.vy = total.vy + w.vx * total.uy + w.vy * (1 + total.vy);
+  return out;
+}
+
+}  // namespace
+
+JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& name, const std::string& resultFrom,
+                                const JobOptions& options) {
+  const std::string path = JoinPath(dataDir, name), previousPath = JoinPath(dataDir, resultFrom);
+  const auto stub = ReadWholeFile(path);
+  const auto previous = ReadWholeFile(ResolvePathNoCase(previousPath));
+  if (!stub) return Failure(path + ": the data file can't be read");
+  std::string previousHead;
+  std::vector<std::string> block;
+  if (!previous || !SplitResult(*previous, previousHead, block))
+    return Failure(path + ": its previous result " + previousPath + " is missing or has no [RESULTS]");
+
+  // Areas, grid and parameters of the previous result; the pictures of this member.
+  auto job = std::make_unique<LoadedJob>();
+  if (auto error = LoadJob(*job, dataDir, resultFrom)) return Failure(path + ": previous result " + *error);
+  const AppState& s = job->s;
+  const SectionReader pictures("PICTURES", path);
+  const std::string refName = pictures.Text("PicRef").value_or(""), defName = pictures.Text("PicDef").value_or("");
+  AppState pair;  // loading pictures renews the pattern store, so they go to a state of their own
+  pair.PicRefPath = JoinPath(dataDir, refName);
+  pair.PicDefPath = JoinPath(dataDir, defName);
+  if (refName.empty() || defName.empty() || !ChargePicArea(pair))
+    return Failure(path + ": picture " + refName + " or " + defName + " is missing or unreadable");
+  const std::vector<CarriedPattern> carried = CarriedField(block, s.LpatEven);
+  if (static_cast<int32_t>(carried.size()) - 1 != s.NbPat)
+    return Failure(path + ": its previous result doesn't match its grid");
+
+  const int32_t width = std::min(pair.PixRef.UpperX(), pair.PixDef.UpperX());
+  const int32_t height = std::min(pair.PixRef.UpperY(), pair.PixDef.UpperY());
+  const SampledPicture ref(pair.PixRef, width, height, InterpolantOf(s)),
+      def(pair.PixDef, width, height, InterpolantOf(s));
+  FieldProblem problem = ProblemOf(*job, ref, def, options.threads);
+  problem.largeStrain = false;  // an increment is small: each pattern starts from none
+  // Subsets stand at the whole pixel nearest to where each pattern has got to.
+  std::vector<StartSeed> seeds;
+  for (int32_t k = 1; k <= s.NbPat; ++k) {
+    problem.x[k] = static_cast<int32_t>(std::lround(s.XPat[k] + carried[k].warp.u));
+    problem.y[k] = static_cast<int32_t>(std::lround(s.YPat[k] + carried[k].warp.v));
+    if (carried[k].good) seeds.push_back({k, 0.0, 0.0});
+  }
+  if (seeds.empty()) return Failure(path + ": its previous result has no good pattern");
+  const FieldSolution field = SolveField(problem, seeds);
+
+  JobOutcome outcome{true, "", s.NbPat, 0};
+  std::vector<PatternRecord> records;
+  for (int32_t k = 1; k <= s.NbPat; ++k) {
+    const PatternSolution& p = field.patterns[k];
+    const bool good = carried[k].good && p.good;
+    const double offX = s.XPat[k] + carried[k].warp.u - problem.x[k], offY = s.YPat[k] + carried[k].warp.v - problem.y[k];
+    const double quality = s.Correlation == 0 ? 2.0 * (1.0 - p.zncc) : p.zncc;
+    records.push_back({good, s.XPat[k], s.YPat[k], good ? Accumulate(carried[k].warp, p.warp, offX, offY) : Warp{},
+                       p.iterations, p.side, quality});
+    outcome.bad += good ? 0 : 1;
+  }
+  const std::string picAna = pictures.Text("PicRefini").value_or(refName);
+  if (!WriteFileAtomically(ResultPathOf(path),
+                           ResultText(MemberHead(*stub, previousHead), picAna, records, s.LpatEven, s.Lpas)))
+    return Failure(ResultPathOf(path) + ": the result file can't be written");
+  return outcome;
+}
+
+}  // namespace tessiva::solver

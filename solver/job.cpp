@@ -1,0 +1,84 @@
+#include "job.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "formats/sections.h"
+#include "incremental.h"
+#include "jobsetup.h"
+#include "resultwriter.h"
+#include "state/files.h"
+#include "state/numtext.h"
+
+namespace tessiva::solver {
+namespace {
+
+// A start point whose displacement the setup never found.
+constexpr int32_t kUnknownDisplacement = -10000;
+
+JobOutcome Failure(std::string message) { return {false, std::move(message), 0, 0}; }
+
+// The pattern nearest to each start point whose displacement is known.
+std::vector<StartSeed> StartSeeds(const AppState& s) {
+  std::vector<StartSeed> seeds;
+  for (int32_t i = 1; i <= s.NbStart; ++i) {
+    if (s.DuStart[i] == kUnknownDisplacement || s.DvStart[i] == kUnknownDisplacement) continue;
+    int32_t nearest = 0;
+    double best = std::numeric_limits<double>::max();
+    for (int32_t k = 1; k <= s.NbPat; ++k) {
+      const double d = std::hypot(s.XPat[k] - s.XStart[i], s.YPat[k] - s.YStart[i]);
+      if (d < best) best = d, nearest = k;
+    }
+    seeds.push_back({nearest, static_cast<double>(s.DuStart[i]), static_cast<double>(s.DvStart[i])});
+  }
+  return seeds;
+}
+
+}  // namespace
+
+std::string ResultPathOf(const std::string& dataPath) {
+  return dataPath.size() < 4 ? dataPath + ".res" : dataPath.substr(0, dataPath.size() - 4) + ".res";
+}
+
+JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, const JobOptions& options) {
+  const std::string path = JoinPath(dataDir, name);
+  const std::optional<std::string> dataText = ReadWholeFile(path);
+  if (!dataText) return Failure(path + ": the data file can't be read");
+  if (const auto resultFrom = SectionReader("INCREMENTAL", path).Text("ResultFrom"))
+    return RunIncrementalMember(dataDir, name, *resultFrom, options);
+  auto job = std::make_unique<LoadedJob>();
+  if (auto error = LoadJob(*job, dataDir, name)) return Failure(*error);
+  const AppState& s = job->s;
+  const std::vector<StartSeed> seeds = StartSeeds(s);
+  if (seeds.empty()) return Failure(path + ": no start point with a known displacement");
+
+  const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});
+  const int32_t height = std::min({s.Hima, s.PixRef.UpperY(), s.PixDef.UpperY()});
+  const SampledPicture ref(s.PixRef, width, height, InterpolantOf(s)), def(s.PixDef, width, height, InterpolantOf(s));
+  const FieldSolution field = SolveField(ProblemOf(*job, ref, def, options.threads), seeds);
+  for (size_t i = 0; i < seeds.size(); ++i)
+    if (!field.seedGood[i])
+      return Failure(path + ": start point at (" + std::to_string(s.XPat[seeds[i].pattern]) + ", " +
+                     std::to_string(s.YPat[seeds[i].pattern]) + ") finds no correlation (blank or featureless region?)");
+
+  JobOutcome outcome{true, "", s.NbPat, 0};
+  std::vector<PatternRecord> records;
+  for (int32_t k = 1; k <= s.NbPat; ++k) {
+    const PatternSolution& p = field.patterns[k];
+    const double quality = s.Correlation == 0 ? 2.0 * (1.0 - p.zncc) : p.zncc;
+    // A failed pattern's warp may have diverged: it is written as no displacement.
+    records.push_back({p.good, s.XPat[k], s.YPat[k], p.good ? p.warp : Warp{}, p.iterations, p.side, quality});
+    outcome.bad += p.good ? 0 : 1;
+  }
+  const SectionReader pictures("PICTURES", s.DataFile);
+  const std::string picAna = pictures.Text("PicRefini").value_or(s.PicRefName);
+  if (!WriteFileAtomically(ResultPathOf(path), ResultText(*dataText, picAna, records, s.LpatEven, s.Lpas)))
+    return Failure(ResultPathOf(path) + ": the result file can't be written");
+  return outcome;
+}
+
+}  // namespace tessiva::solver

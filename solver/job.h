@@ -1,0 +1,29 @@
+// One correlation job: a data file read with the setup window's own readers
+// (so the grid and its numbering are the setup window's), its field solved,
+// and its result file written whole or not at all.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tessiva::solver {
+
+struct JobOptions {
+  int32_t threads = 1;
+};
+
+struct JobOutcome {
+  bool ok = false;
+  std::string message;  // why the job was skipped, naming the file
+  int32_t patterns = 0;
+  int32_t bad = 0;
+};
+
+// Solves data file `name` of directory `dataDir` and writes its .res beside it;
+// an incremental member goes to RunIncrementalMember.
+JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, const JobOptions& options);
+
+// The result file of a data file: the same stem with ".res".
+std::string ResultPathOf(const std::string& dataPath);
+
+}  // namespace tessiva::solver

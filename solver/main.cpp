@@ -1,0 +1,35 @@
+// tessiva-solver <data directory> <program directory>: solves the jobs that
+// entre.dat in the data directory lists, on every core.
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <thread>
+
+#include "runner.h"
+
+namespace {
+
+// TESSIVA_SOLVER_THREADS overrides the core count, for measurements.
+int32_t ThreadCount() {
+  if (const char* text = std::getenv("TESSIVA_SOLVER_THREADS")) {
+    const int value = std::atoi(text);
+    if (value > 0) return value;
+  }
+  return static_cast<int32_t>(std::max(1u, std::thread::hardware_concurrency()));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 3) {
+    std::cerr << "usage: tessiva-solver <data directory> <program directory>" << std::endl;
+    return 2;
+  }
+  try {
+    return tessiva::solver::RunJobs(argv[1], {ThreadCount()}, std::cout);
+  } catch (const std::exception& e) {
+    std::cerr << "tessiva-solver: " << e.what() << std::endl;
+    return 1;
+  }
+}

@@ -1,0 +1,36 @@
+// The result file: the data file's text with PicAna added under [PICTURES],
+// then the [RESULTS] block of four lines a pattern that the analysis reads.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "icgn.h"
+
+namespace tessiva::solver {
+
+struct PatternRecord {
+  bool good = false;
+  int32_t x = 0, y = 0;
+  Warp warp;
+  int32_t iterations = 0;
+  int32_t side = 0;
+  double quality = 0.0;  // the criterion of the file's Correlation switch
+};
+
+// The bilinear coefficients au bu cu du / av bv cv dv of a first-order warp
+// centred on the pattern: x, y divided by lpatEven and counted from the
+// pattern's first corner. The analysis lays that corner on the first corner
+// of the pattern's grid cell, half a grid step `lpas` before the centre, and
+// evaluates the form across the cell, so the origin is put there.
+struct Bilinear {
+  double u[4];
+  double v[4];
+};
+Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas);
+
+std::string ResultText(const std::string& dataText, const std::string& picAna, const std::vector<PatternRecord>& patterns,
+                       int32_t lpatEven, int32_t lpas);
+
+}  // namespace tessiva::solver

@@ -1,0 +1,113 @@
+// tessiva-cli: exit statuses and messages for bad input, and exports equal
+// to those of the analysis window for each of its settings.
+#include "commands.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+
+#include "results/analysisfixture.h"
+#include "results/exports.h"
+#include "state/files.h"
+
+namespace tessiva::cli {
+namespace {
+
+using tessiva::testing::Displacement;
+
+struct Outcome {
+  int status;
+  std::string out, err;
+};
+
+Outcome RunCommand(const std::vector<std::string>& args) {
+  std::ostringstream out, err;
+  const int status = RunCli(args, out, err);
+  return {status, out.str(), err.str()};
+}
+
+std::string NotRightFormatted(const std::string& path) {
+  return "This file :" + path + " is not right formatted, no data could be retrieved from this file\n";
+}
+
+class Cli : public tessiva::testing::AnalysisFixture {};
+
+TEST_F(Cli, ResultsThatCannotBeReadGetTheReadersMessage) {
+  struct Case {
+    const char* name;
+    std::string result;
+  };
+  const Case cases[] = {
+      {"missing file", dir.File("missing.res")},
+      {"no picture names", dir.Write("head.res", "[PARAMETERS]\n  Lgrid=10\n[RESULTS]\n-1 10 10 0 0\n")},
+      {"no [RESULTS] line", dir.Write("block.res", "[PICTURES]\n  PicRef=a.bmp\n  PicDef=b.bmp\n-1 10 10 0 0\n")},
+  };
+  for (const Case& c : cases) {
+    const Outcome o = RunCommand({"export", c.result, "--cfr", dir.File("out.cfr")});
+    EXPECT_EQ(o.status, kFailed) << c.name;
+    EXPECT_EQ(o.err, NotRightFormatted(c.result)) << c.name;
+    EXPECT_EQ(o.out, "") << c.name;
+  }
+  EXPECT_FALSE(FileExists(dir.File("out.cfr")));
+}
+
+TEST_F(Cli, WrongCommandLinesGetTheUsage) {
+  const std::string res = dir.File("r.res"), out = dir.File("o.cfr");
+  struct Case {
+    std::vector<std::string> args;
+    std::string complaint;
+  };
+  const Case cases[] = {
+      {{}, "no command given"},
+      {{"convert", res}, "unknown command convert"},
+      {{"export", res}, "give one of --cfr, --unv and --inp with the file to write"},
+      {{"export", res, "--cfr", out, "--unv", out}, "give only one of --cfr, --unv and --inp"},
+      {{"export", res, "--unv"}, "--unv needs the name of the file to write"},
+      {{"export", res, res, "--cfr", out}, "unexpected argument " + res},
+  };
+  for (const Case& c : cases) {
+    const Outcome o = RunCommand(c.args);
+    EXPECT_EQ(o.status, kUsageError) << c.complaint;
+    EXPECT_TRUE(o.err.starts_with("tessiva-cli: " + c.complaint + "\n\nUsage: tessiva-cli export")) << o.err;
+  }
+  const Outcome help = RunCommand({"--help"});
+  EXPECT_EQ(help.status, kDone);
+  EXPECT_TRUE(help.out.starts_with("Usage: tessiva-cli export RESULT.res --cfr|--unv|--inp OUT")) << help.out;
+  EXPECT_EQ(help.err, "");
+}
+
+// A stretched block and a lone bad pattern away from it, so that both
+// settings change the export.
+TEST_F(Cli, ExportsWhatTheAnalysisWindowExportsForEachSetting) {
+  tessiva::testing::ResultHead head;
+  head.lpatMin = head.lpatMax = head.lgrid = 10;
+  const auto field = [](double x, double) { return Displacement{0.1 * (x - 100), 0.0}; };
+  std::vector<tessiva::testing::ResultPattern> patterns = tessiva::testing::GridPatterns(field, 60, 80, 6, 4, 10, 10);
+  patterns.push_back(tessiva::testing::PatternOf(field, 200, 200, 10));
+  patterns.back().flag = 0;
+  const std::string result = WriteResultFile(dir.File("stretch.res"), head, patterns);
+  struct Case {
+    bool showBad, finalToInitial;
+  };
+  std::set<std::string> distinct;
+  for (const Case c : {Case{false, false}, Case{true, false}, Case{false, true}}) {
+    std::vector<std::string> args{"export", result, "--cfr", dir.File("cli.cfr")};
+    if (c.showBad) args.push_back("--show-bad-pattern");
+    if (c.finalToInitial) args.push_back("--final-to-initial");
+    const Outcome o = RunCommand(args);
+    ASSERT_EQ(o.status, kDone) << o.err;
+
+    window.Controls().SetChecked("Bad", c.showBad);
+    window.bInitial = !c.finalToInitial;
+    UseSequence({result});
+    ASSERT_TRUE(LecRes(window, 1, false));
+    ASSERT_TRUE(SauveCfr(s, window.ShowBad(), dir.File("window.cfr")));
+    EXPECT_EQ(dir.Read("cli.cfr"), dir.Read("window.cfr")) << c.showBad << c.finalToInitial;
+    distinct.insert(dir.Read("cli.cfr"));
+  }
+  EXPECT_EQ(distinct.size(), 3u);
+}
+
+}  // namespace
+}  // namespace tessiva::cli

@@ -1,0 +1,227 @@
+// The solver against ground truth: synthetic speckle pictures with a known
+// field, a data file made by the setup engine, the job run, and the result
+// read back through the analysis (reader, mesh, strains).
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <sstream>
+
+#include "job.h"
+#include "runner.h"
+#include "setup/picture.h"
+#include "solver/synthetic_job.h"
+#include "formats/seqfile.h"
+#include "state/files.h"
+
+namespace tessiva {
+namespace {
+
+using synth::FieldKind;
+using synth::FieldSpec;
+using testing::JobSetup;
+using testing::ResultView;
+using testing::TempDir;
+
+synth::SpeckleSettings Pictures(int32_t size, double noise = 0.0) {
+  synth::SpeckleSettings st;
+  st.width = st.height = size;
+  st.noiseSigma = noise;
+  return st;
+}
+
+// Pictures and data file "job.don" in `dir`, the job solved and its result read.
+void SolveAndRead(const TempDir& dir, const synth::SpeckleSettings& st, const FieldSpec& field, const JobSetup& job,
+                  ResultView& view, int32_t threads = 2) {
+  ASSERT_TRUE(synth::WriteSyntheticPair(dir.Path(), st, field));
+  testing::MakeDataFile(dir.Path(), "job.don", job);
+  const solver::JobOutcome outcome = solver::RunDataFile(dir.Path(), "job.don", {threads});
+  ASSERT_TRUE(outcome.ok) << outcome.message;
+  ASSERT_TRUE(view.Read(dir.Path(), dir.File("job.res")));
+}
+
+int32_t GoodPatterns(const AppState& s) {
+  int32_t good = 0;
+  for (int32_t i = 1; i <= s.NbPat; ++i) good += s.FlagPat[i] == -1 ? 1 : 0;
+  return good;
+}
+
+TEST(SolverGroundTruth, SubPixelTranslationsAreFoundWithoutBiasAtEveryPattern) {
+  const std::pair<double, double> shifts[] = {{0.2, 0.0}, {0.5, -0.3}, {-0.75, 0.6}, {2.9, 1.1}};
+  for (const auto& [u, v] : shifts) {
+    SCOPED_TRACE(std::to_string(u) + ", " + std::to_string(v));
+    TempDir dir;
+    ResultView view;
+    SolveAndRead(dir, Pictures(160), {FieldKind::Translation, u, v}, JobSetup{}, view);
+    const AppState& s = view.s;
+    ASSERT_GT(s.NbPat, 40);
+    EXPECT_EQ(GoodPatterns(s), s.NbPat) << "a well-textured area has no bad pattern";
+    double sumU = 0, sumV = 0;
+    int32_t nodes = 0;
+    for (int32_t n = 1; n <= s.NbNoeuds; ++n) {
+      const MeshNode& node = s.Noeuds[n];
+      if (!node.Valide) continue;
+      sumU += node.U - u;
+      sumV += node.V - v;
+      ++nodes;
+    }
+    ASSERT_GT(nodes, 40);
+    EXPECT_LE(std::abs(sumU / nodes), 0.005);
+    EXPECT_LE(std::abs(sumV / nodes), 0.005);
+  }
+}
+
+TEST(SolverGroundTruth, UniformStretchGivesItsStrainAtEveryNode) {
+  struct Case {
+    const char* name;
+    double exx;
+    int32_t largeStrain;
+    double tolerance;  // percent of strain
+  };
+  const Case cases[] = {{"2 %", 0.02, 0, 0.02}, {"60 % with LargeStrain", 0.60, 1, 0.5}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    TempDir dir;
+    ResultView view;
+    JobSetup job;
+    job.largeStrain = c.largeStrain;
+    job.x1 = job.y1 = 60;
+    job.x2 = job.y2 = 132;
+    job.startDisplacement = std::pair{0, 0};  // the field's centre stays
+    FieldSpec field{FieldKind::UniformStrain, c.exx, 0.0};
+    field.cx = field.cy = 96;
+    SolveAndRead(dir, Pictures(192), field, job, view);
+    const AppState& s = view.s;
+    EXPECT_EQ(GoodPatterns(s), s.NbPat);
+    const double e11 = ((1 + c.exx) * (1 + c.exx) - 1) / 2 * 100;  // Green-Lagrange, percent
+    double sumE11 = 0, sumE22 = 0;
+    int32_t nodes = 0;
+    for (int32_t n = 1; n <= s.NbNoeuds; ++n) {
+      const MeshNode& node = s.Noeuds[n];
+      if (!node.Valide || node.Nval < 4) continue;  // inner nodes: averaged over four cells
+      EXPECT_NEAR(node.U, c.exx * (node.X - 96), 0.01) << node.X << ", " << node.Y;
+      EXPECT_NEAR(node.V, 0.0, 0.01) << node.X << ", " << node.Y;
+      sumE11 += node.E11;
+      sumE22 += node.E22;
+      ++nodes;
+    }
+    ASSERT_GT(nodes, 20);
+    EXPECT_NEAR(sumE11 / nodes, e11, c.tolerance);
+    EXPECT_NEAR(sumE22 / nodes, 0.0, c.tolerance);
+  }
+}
+
+#ifdef TESSIVA_SOLVER_PATH
+// The real program on all cores gives what one thread of the library gives.
+TEST(SolverProgram, RunsEntreDatAndMatchesOneThread) {
+  TempDir dir;
+  ASSERT_TRUE(synth::WriteSyntheticPair(dir.Path(), Pictures(160, 2.0), {FieldKind::Rotation, 1.5}));
+  JobSetup job;
+  job.startDisplacement = std::pair{0, 0};
+  testing::MakeDataFile(dir.Path(), "job.don", job);
+  ASSERT_TRUE(solver::RunDataFile(dir.Path(), "job.don", {1}).ok);
+  ResultView single;
+  ASSERT_TRUE(single.Read(dir.Path(), dir.File("job.res")));
+  dir.Write("entre.dat", "job.don\n");
+  const std::string command = std::string("\"") + TESSIVA_SOLVER_PATH + "\" \"" + dir.Path() + "\" \"" + dir.Path() +
+                              "\" > \"" + dir.File("out.txt") + "\"";
+  ASSERT_EQ(std::system(command.c_str()), 0) << dir.Read("out.txt");
+  EXPECT_NE(dir.Read("out.txt").find("file 1 of 1"), std::string::npos);
+  ResultView all;
+  ASSERT_TRUE(all.Read(dir.Path(), dir.File("job.res")));
+  ASSERT_EQ(all.s.NbPat, single.s.NbPat);
+  for (int32_t i = 1; i <= all.s.NbPat; ++i) {
+    EXPECT_EQ(all.s.FlagPat[i], single.s.FlagPat[i]);
+    EXPECT_NEAR(all.s.D1Pat[i], single.s.D1Pat[i], 1e-4);
+    EXPECT_NEAR(all.s.D2Pat[i], single.s.D2Pat[i], 1e-4);
+  }
+}
+#endif
+
+// An incremental sequence of three pictures stretched by 1 % then 2.5 %: the
+// second member correlates pictures 1 and 2 and writes the displacement from
+// picture 0 at picture 0's pattern positions, shown over picture 0.
+TEST(SolverSequences, IncrementalMembersAccumulateFromTheFirstPicture) {
+  TempDir dir;
+  synth::SpeckleSettings st = Pictures(160);
+  const synth::Speckle speckle(st);
+  const double strains[] = {0.0, 0.01, 0.025};
+  for (int i = 0; i < 3; ++i) {
+    FieldSpec field{FieldKind::UniformStrain, strains[i], 0.0};
+    field.cx = field.cy = 80;
+    ASSERT_TRUE(SaveGreyBmp(dir.File("p" + std::to_string(i) + ".bmp"), 160, 160,
+                            synth::Render(speckle, st, i == 0 ? nullptr : &field, 3)));
+  }
+  AppState s;
+  std::tie(s.NbSeq, s.SeqRefChange, s.FileName, s.PicRefPath, s.PicRefName) =
+      std::tuple(2, 1, dir.File("p0-p2-I.seq"), dir.File("p0.bmp"), "p0.bmp");
+  SequenceMembers members;
+  members.FicDefText = {"", "p1.bmp", "p2.bmp"};
+  members.FicDefTag = {"", dir.File("p1.bmp"), dir.File("p2.bmp")};
+  ASSERT_TRUE(SauveSeq(s, members));
+  JobSetup first;
+  std::tie(first.ref, first.def, first.startDisplacement) = std::tuple("p0.bmp", "p1.bmp", std::pair{0, 0});
+  testing::MakeDataFile(dir.Path(), "p0-p1.don", first);
+  dir.Write("entre.dat", "p0-p2-I.seq\n");
+  std::ostringstream out;
+  ASSERT_EQ(solver::RunJobs(dir.Path(), {2}, out), 0) << out.str();
+  EXPECT_NE(out.str().find("file 2 of 2"), std::string::npos) << out.str();
+
+  ResultView firstResult, second;
+  ASSERT_TRUE(firstResult.Read(dir.Path(), dir.File("p0-p1.res")));
+  ASSERT_TRUE(second.Read(dir.Path(), dir.File("p1-p2.res")));
+  EXPECT_NE(dir.Read("p1-p2.res").find("PicAna=p0.bmp"), std::string::npos);
+  ASSERT_EQ(second.s.NbPat, firstResult.s.NbPat);
+  EXPECT_EQ(GoodPatterns(second.s), second.s.NbPat);
+  for (int32_t i = 1; i <= second.s.NbPat; ++i) {
+    EXPECT_EQ(second.s.XPat[i], firstResult.s.XPat[i]);
+    EXPECT_NEAR(second.s.D1Pat[i], 0.025 * (second.s.XPat[i] - 80), 0.01) << i;
+    EXPECT_NEAR(second.s.D2Pat[i], 0.0, 0.01) << i;
+  }
+}
+
+// Each bad job is skipped with a message naming its file, leaves no result,
+// and the good job beside it is still solved.
+TEST(SolverJobs, BadInputSkipsThatJobOnly) {
+  struct Case {
+    const char* name;
+    std::string data;      // the bad data file, "" for an unreadable entre.dat
+    std::string expected;  // text of the message
+  };
+  const Case cases[] = {
+      {"missing picture", "gone.don", "gone.bmp"},
+      {"no start point", "nostart.don", "nostart.don"},
+      {"start point on a blank region", "blank.don", "blank.don"},
+      {"missing data file", "absent.don", "absent.don"},
+      {"unreadable entre.dat", "", "entre.dat"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    TempDir dir;
+    ASSERT_TRUE(synth::WriteSyntheticPair(dir.Path(), Pictures(160), {FieldKind::Translation, 1.0, 0.0}));
+    testing::MakeDataFile(dir.Path(), "good.don", JobSetup{});
+    JobSetup bad;
+    if (c.data == "nostart.don") bad.withStart = false;
+    if (c.data == "blank.don") {
+      ASSERT_TRUE(SaveGreyBmp(dir.File("flat.bmp"), 160, 160, std::vector<uint8_t>(160 * 160, 90)));
+      bad.ref = bad.def = "flat.bmp";
+      bad.startDisplacement = std::pair{1, 0};
+    }
+    if (c.data != "absent.don" && !c.data.empty()) testing::MakeDataFile(dir.Path(), c.data, bad);
+    if (c.data == "gone.don") {
+      std::string text = dir.Read("gone.don");
+      text.replace(text.find("PicDef=def.bmp"), 14, "PicDef=gone.bmp");
+      dir.Write("gone.don", text);
+    }
+    if (!c.data.empty()) dir.Write("entre.dat", c.data + "\ngood.don\n");
+    std::ostringstream out;
+    EXPECT_EQ(solver::RunJobs(dir.Path(), {2}, out), 1);
+    EXPECT_NE(out.str().find(c.expected), std::string::npos) << out.str();
+    if (c.data.empty()) continue;
+    EXPECT_TRUE(dir.Read(c.data.substr(0, c.data.size() - 4) + ".res").empty());
+    EXPECT_NE(out.str().find("1 of 2 jobs solved"), std::string::npos) << out.str();
+  }
+}
+
+}  // namespace
+}  // namespace tessiva
