@@ -1,9 +1,11 @@
 // Every reader of the formats meets damaged files: truncated, with random bytes,
 // absurd numbers or whole sections missing. None may crash, overflow a store or
-// write any file.
+// write any file; a count the stores can't hold makes the file unusable.
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <random>
 
 #include "formats/datafile.h"
@@ -15,189 +17,131 @@ namespace tessiva {
 namespace {
 
 using testing::SetupWindow;
-using testing::Snapshot;
+using Rng = std::mt19937;
 
-constexpr unsigned kSeed = 20240611;
+int Pick(Rng& rng, int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng); }
+size_t PlaceIn(const std::string& t, Rng& r) { return static_cast<size_t>(Pick(r, 0, static_cast<int>(t.size()) - 1)); }
 
-const char* const kAbsurdNumbers[] = {"99999999999999", "2147483647", "-2147483648", "1000", "-1",
-                                      "52",             "21",         "0",           "-20000", "-10000"};
-
-class Corrupter {
- public:
-  explicit Corrupter(unsigned seed) : rng_(seed) {}
-
-  // One to three damages of the kinds a disk or a hand editor causes.
-  std::string Damage(std::string text) {
-    const int damages = Pick(1, 3);
-    for (int i = 0; i < damages && !text.empty(); ++i) {
-      switch (Pick(0, 3)) {
-        case 0: text.resize(static_cast<size_t>(Pick(0, static_cast<int>(text.size())))); break;
-        case 1: ScrambleBytes(text); break;
-        case 2: ReplaceNumber(text); break;
-        default: DropSection(text); break;
-      }
-    }
-    return text;
-  }
-
-  int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng_); }
-
- private:
-  void ScrambleBytes(std::string& text) {
-    static const char kTelling[] = {'\0', '\r', '\n', '[', ']', '=', ';', '-', ' ', '\xff'};
-    for (int n = Pick(1, 8); n > 0; --n) {
-      const auto at = static_cast<size_t>(Pick(0, static_cast<int>(text.size()) - 1));
-      text[at] = Pick(0, 1) ? kTelling[Pick(0, 9)] : static_cast<char>(Pick(0, 255));
-    }
-  }
-
-  void ReplaceNumber(std::string& text) {
-    std::vector<std::pair<size_t, size_t>> runs;
-    for (size_t i = 0; i < text.size();) {
-      if (!std::isdigit(static_cast<unsigned char>(text[i]))) {
-        ++i;
-        continue;
-      }
-      const size_t start = i;
-      while (i < text.size() && std::isdigit(static_cast<unsigned char>(text[i]))) ++i;
-      runs.emplace_back(start, i - start);
-    }
-    if (runs.empty()) return;
-    const auto [start, length] = runs[static_cast<size_t>(Pick(0, static_cast<int>(runs.size()) - 1))];
-    text.replace(start, length, kAbsurdNumbers[Pick(0, 9)]);
-  }
-
-  void DropSection(std::string& text) {
-    std::vector<size_t> starts;
-    for (size_t i = 0; i < text.size(); ++i)
-      if (text[i] == '[' && (i == 0 || text[i - 1] == '\n')) starts.push_back(i);
-    if (starts.empty()) return;
-    const size_t which = static_cast<size_t>(Pick(0, static_cast<int>(starts.size()) - 1));
-    const size_t end = which + 1 < starts.size() ? starts[which + 1] : text.size();
-    text.erase(starts[which], end - starts[which]);
-  }
-
-  std::mt19937 rng_;
+// The damages a disk or a hand editor causes; each is given a text that isn't empty.
+const std::function<void(std::string&, Rng&)> kDamages[] = {
+    [](std::string& t, Rng& r) { t.resize(PlaceIn(t, r)); },
+    [](std::string& t, Rng& r) {  // bytes overwritten, half of them with ones the key syntax gives a meaning
+      static const char kTelling[] = {'\0', '\r', '\n', '[', ']', '=', ';', '-', ' ', '\xff'};
+      for (int n = Pick(r, 1, 8); n > 0; --n)
+        t[PlaceIn(t, r)] = Pick(r, 0, 1) ? kTelling[Pick(r, 0, 9)] : static_cast<char>(Pick(r, 0, 255));
+    },
+    [](std::string& t, Rng& r) {  // the number at or after a random place made absurd
+      static const char* const kAbsurd[] = {"99999999999999", "2147483647", "-2147483648", "1000", "-1",
+                                            "52",             "21",         "0",           "-20000", "-10000"};
+      const size_t at = t.find_first_of("0123456789", PlaceIn(t, r));
+      if (at != std::string::npos)
+        t.replace(at, std::min(t.find_first_not_of("0123456789", at), t.size()) - at, kAbsurd[Pick(r, 0, 9)]);
+    },
+    [](std::string& t, Rng& r) {  // from a random bracket up to the next section dropped
+      const size_t at = t.find('[', PlaceIn(t, r));
+      if (at != std::string::npos) t.erase(at, std::min(t.find("\n[", at), t.size() - 1) + 1 - at);
+    },
 };
 
-void ExpectStoresHold(const SetupWindow& w, const std::string& label) {
+std::map<std::string, std::string> Snapshot(const testing::TempDir& dir) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
+    files[entry.path().filename().string()] = dir.Read(entry.path().filename().string());
+  return files;
+}
+
+void ExpectStoresHold(const SetupWindow& w) {
   const AppState& s = w.s;
-  EXPECT_GE(s.NbBox, 0) << label;
-  EXPECT_LE(s.NbBox, AppState::kMaxAreas + 1) << label;
-  for (int32_t n : s.Nbox) EXPECT_LE(n, AppState::kMaxVertices) << label;
-  EXPECT_GE(s.NbStart, 0) << label;
-  EXPECT_LE(s.NbStart, AppState::kMaxStartPoints) << label;
-  EXPECT_GT(s.XStart.size(), static_cast<size_t>(s.NbStart)) << label;
-  EXPECT_EQ(s.StartOk.size(), s.XStart.size()) << label;
-  EXPECT_LT(static_cast<size_t>(s.CurStart), s.XStart.size()) << label;
-  EXPECT_EQ(w.ui.busyDepth, 0) << label;
+  EXPECT_TRUE(s.NbBox >= 0 && s.NbBox <= AppState::kMaxAreas + 1) << s.NbBox;
+  for (int32_t n : s.Nbox) EXPECT_LE(n, AppState::kMaxVertices);
+  EXPECT_TRUE(s.NbStart >= 0 && static_cast<size_t>(s.NbStart) < s.XStart.size()) << s.NbStart;
+  EXPECT_EQ(s.StartOk.size(), s.XStart.size());
+  EXPECT_LT(static_cast<size_t>(s.CurStart), s.XStart.size());
+  EXPECT_EQ(w.ui.busyDepth, 0);
 }
 
-// A setup window with areas, gauges, start points and extra values.
-void FillWindow(SetupWindow& w) {
-  AppState& s = w.s;
-  s.PicRefName = "ref.bmp";
-  s.PicDefName = "def.bmp";
-  s.NbBox = 4;
-  for (size_t a = 1; a <= 3; ++a) {
-    s.Nbox[a] = 5;
-    s.TagBox[a] = a == 2 ? 7 : 0;
-    s.XBox[a] = {0, 1, 9, 9, 1, 1};
-    s.YBox[a] = {0, 1, 1, 9, 9, 1};
+TEST(DamagedFiles, AnImpossibleCountOrAMissingPictureMakesTheDataAndAoiFilesUnusable) {
+  for (const std::string body :
+       {"[OUTLINES]\n  Number=21\n", "[OUTLINES]\n  Number=-2\n", "[OUTLINES]\n  Number=1\n  Nbox1=52\n",
+        "[OUTLINES]\n  Number=1\n  Nbox1=-3\n", "[STARTPOINTS]\n  Number=1000\n", "[STARTPOINTS]\n  Number=-3\n",
+        "[STARTPOINTS]\n  Number=2147483647\n", "[GAGES]\n  Number=1000\n", "[EXTRA]\n  Number=1000\n",
+        // Data files only: a picture name missing, a picture that isn't there.
+        "[PICTURES]\n  PicDef=def.bmp\n", "[PICTURES]\n  PicRef=no.bmp\n  PicDef=def.bmp\n"}) {
+    SCOPED_TRACE(body);
+    SetupWindow w;
+    const bool dataOnly = body.starts_with("[PICTURES]");
+    w.dir.Write("a.don", dataOnly ? body : testing::kPicturesSection + body);
+    w.Member("a.don");
+    EXPECT_FALSE(LecDonArea(w.form, 1, false) || LecDonArea(w.form, 2, false));
+    EXPECT_EQ(w.Status(), " " + NotRightFormattedMessage(w.dir.File("a.don")));
+    ExpectStoresHold(w);
+    if (dataOnly) continue;
+    w.dir.Write("s-aoi.ini", body);
+    EXPECT_FALSE(LecAOI(w.form, "s"));
+    EXPECT_EQ(w.Status(), " " + w.dir.File("s-aoi.ini") + " can't be loaded");
+    ExpectStoresHold(w);
   }
-  s.NbStart = 3;
-  s.ResizeStartPoints(3);
-  s.XStart = {0, 2, 4, 6};
-  s.YStart = {0, 3, 5, 7};
-  s.DuStart = {0, 1, -1, -10000};
-  s.DvStart = {0, 1, 2, 3};
-  s.ClfMode = true;
-  s.FissureOn = true;
-  w.form.Gages().Add({"a", 0, 1, 2, 3, 4});
-  w.form.Gages().Add({"b", 1, 5, 6, 7, 8});
-  w.form.Controls().SetItems("Combo2", {"n0", "n1"});
-  w.form.Controls().SetItems("List2", {"v0", "v1"});
 }
 
-TEST(DamagedFiles, DataFileReaderNeverCrashesOrWrites) {
+TEST(DamagedFiles, NoReaderCrashesOverflowsAStoreOrWrites) {
   SetupWindow w;
-  FillWindow(w);
-  w.Member(1, "base.don");
-  w.form.Controls().SetText("Text1", "base.don");
+  testing::FillWindow(w);
   ASSERT_TRUE(SauveDonArea(w.form, 1));
-  const std::string base = w.dir.Read("base.don");
-  Corrupter corrupt(kSeed);
-  for (int k = 0; k < 200; ++k) {
-    const std::string name = "case" + std::to_string(k) + ".don";
-    w.dir.Write(name, corrupt.Damage(base));
-    w.Member(1, name);
-    const auto before = Snapshot(w.dir);
-    LecDonArea(w.form, 1, corrupt.Pick(0, 4) == 0);
-    EXPECT_EQ(Snapshot(w.dir), before) << name;
-    ExpectStoresHold(w, name);
-    std::filesystem::remove(w.dir.File(name));
-  }
-}
-
-TEST(DamagedFiles, SequenceReadersNeverCrashOrWrite) {
-  SetupWindow w;
-  const std::string members[] = {"m1.don", "m2.don", "m3.don"};
-  std::string seq;
-  for (const std::string& m : members) seq += m + "\n";
-  const std::string member = testing::kPicturesSection;
-  const std::string result = "[PICTURES]\n  PicAna=ref.bmp\n";
-  Corrupter corrupt(kSeed + 1);
-  for (int k = 0; k < 100; ++k) {
-    for (const std::string& m : members) {
-      w.dir.Write(m, corrupt.Damage(member));
-      w.dir.Write(m.substr(0, 2) + ".res", corrupt.Damage(result));
+  ASSERT_TRUE(SauveAOI(w.form, "a"));
+  ASSERT_TRUE(SauveAOS(w.s, {3, {0, 1, 2, 3}, {0, 4, 5, 6}}, w.form.Gages(), "a"));
+  const std::string member = testing::kPicturesSection, result = "[PICTURES]\n  PicAna=ref.bmp\n";
+  struct Reader {
+    const char* name;
+    std::map<std::string, std::string> files;  // each damaged anew for every read
+    std::function<void(Rng&)> readAndCheck;
+  };
+  const Reader readers[] = {
+      {"data file", {{"ref-def.don", w.dir.Read("ref-def.don")}},
+       [&](Rng& rng) { LecDonArea(w.form, 1, Pick(rng, 0, 4) == 0); }},
+      {"AOI side file", {{"a-aoi.ini", w.dir.Read("a-aoi.ini")}}, [&](Rng&) { LecAOI(w.form, "a"); }},
+      {"AOS side file", {{"a-AOS.ini", w.dir.Read("a-AOS.ini")}},
+       [&](Rng&) {
+         SelectionArea selection;
+         GageStore gages;
+         LecAOS(w.s, w.ui, selection, gages, "a");
+         EXPECT_EQ(selection.XAOS.size(), static_cast<size_t>(std::max(selection.NboxAOS, 0)) + 1);
+       }},
+      {"name lists",
+       {{"correl.ini", "[PATH]\n  ExePath=x\n[AOI]\n  NUMBEROFAOI=3\n  NAME1=a\n  NAME2=b\n  NAME3=c\n"
+                       "[AOS]\n  NUMBEROFAOS=2\n  NAME1=d\n  NAME2=e\n"}},
+       [&](Rng&) {
+         AreaSetList aoiNames, aosNames;
+         InitAOI(w.form, aoiNames);
+         InitAOS(w.s, w.form.Controls(), aosNames);
+         EXPECT_LE(aoiNames.AreaCount, AreaSetList::kMaxNames);
+         EXPECT_EQ(aosNames.AreaNames.size(), static_cast<size_t>(aosNames.AreaCount) + 1);
+       }},
+      {"sequence",
+       {{"t.seq", "m1.don\nm2.don\nm3.don\n"}, {"m1.don", member}, {"m2.don", member}, {"m3.don", member},
+        {"m1.res", result}, {"m2.res", result}, {"m3.res", result}},
+       [&](Rng&) {
+         w.s.FileName = w.dir.File("t.seq");
+         LecSeq(w.form);
+         EXPECT_EQ(w.s.DataFilePath.size(), w.s.DataFileName.size());
+         ControlRegistry analyse;
+         LecSeqResults(w.s, w.ui, analyse);
+         EXPECT_EQ(analyse.Get("Combo4").items.size() + 1, w.s.DataFileName.size());
+       }},
+  };
+  Rng rng(20240611);
+  for (const Reader& reader : readers) {
+    for (int k = 0; k < 120; ++k) {
+      SCOPED_TRACE(std::string(reader.name) + " #" + std::to_string(k));
+      for (const auto& [name, text] : reader.files) {
+        std::string damaged = text;
+        for (int n = Pick(rng, 1, 3); n > 0 && !damaged.empty(); --n) kDamages[Pick(rng, 0, 3)](damaged, rng);
+        w.dir.Write(name, damaged);
+      }
+      const auto before = Snapshot(w.dir);
+      reader.readAndCheck(rng);
+      ExpectStoresHold(w);
+      EXPECT_EQ(Snapshot(w.dir), before);
     }
-    const std::string name = "case" + std::to_string(k) + ".seq";
-    w.dir.Write(name, corrupt.Damage(seq));
-    w.s.FileName = w.dir.File(name);
-    const auto before = Snapshot(w.dir);
-    LecSeq(w.form);
-    EXPECT_GE(w.s.NbSeq, 0) << name;
-    EXPECT_EQ(w.s.DataFilePath.size(), w.s.DataFileName.size()) << name;
-    ControlRegistry analyse;
-    LecSeqResults(w.s, w.ui, analyse);
-    EXPECT_EQ(analyse.Get("Combo4").items.size() + 1, w.s.DataFileName.size()) << name;
-    EXPECT_EQ(Snapshot(w.dir), before) << name;
-    std::filesystem::remove(w.dir.File(name));
-  }
-}
-
-TEST(DamagedFiles, SideFileReadersNeverCrashOrWrite) {
-  SetupWindow w;
-  FillWindow(w);
-  ASSERT_TRUE(SauveAOI(w.form, "base"));
-  GageStore gages;
-  gages.Add({"g", 2, 1, 2, 3, 4});
-  ASSERT_TRUE(SauveAOS(w.s, SelectionArea{3, {0, 1, 2, 3}, {0, 4, 5, 6}}, gages, "base"));
-  const std::string aoi = w.dir.Read("base-aoi.ini");
-  const std::string aos = w.dir.Read("base-AOS.ini");
-  const std::string ini = "[PATH]\n  ExePath=x\n[AOI]\n  NUMBEROFAOI=3\n  NAME1=a\n  NAME2=b\n  NAME3=c\n"
-                          "[AOS]\n  NUMBEROFAOS=2\n  NAME1=d\n  NAME2=e\n";
-  Corrupter corrupt(kSeed + 2);
-  for (int k = 0; k < 150; ++k) {
-    const std::string name = "case" + std::to_string(k);
-    w.dir.Write(name + "-aoi.ini", corrupt.Damage(aoi));
-    w.dir.Write(name + "-AOS.ini", corrupt.Damage(aos));
-    w.dir.Write(name + ".ini", corrupt.Damage(ini));
-    w.s.IniPath = w.dir.File(name + ".ini");
-    const auto before = Snapshot(w.dir);
-    LecAOI(w.form, name);
-    ExpectStoresHold(w, name);
-    SelectionArea selection;
-    LecAOS(w.s, w.ui, selection, gages, name);
-    EXPECT_EQ(selection.XAOS.size(), static_cast<size_t>(std::max(selection.NboxAOS, 0)) + 1) << name;
-    AreaSetList aoiNames, aosNames;
-    InitAOI(w.form, aoiNames);
-    InitAOS(w.s, w.form.Controls(), aosNames);
-    EXPECT_LE(aoiNames.AreaCount, AreaSetList::kMaxNames) << name;
-    EXPECT_EQ(aosNames.AreaNames.size(), static_cast<size_t>(aosNames.AreaCount) + 1) << name;
-    EXPECT_EQ(Snapshot(w.dir), before) << name;
-    for (const char* ending : {"-aoi.ini", "-AOS.ini", ".ini"}) std::filesystem::remove(w.dir.File(name + ending));
   }
 }
 
