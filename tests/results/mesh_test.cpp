@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "state/param.h"
 #include "support/resultwriter.h"
 
@@ -16,8 +14,6 @@ using testing::Displacement;
 using testing::DisplacementField;
 using testing::GridPatterns;
 using testing::ResultPattern;
-
-constexpr int32_t kCorner[4][2] = {{-1, -1}, {-1, 1}, {1, 1}, {1, -1}};
 
 DisplacementField Translation(double u, double v) {
   return [u, v](double, double) { return Displacement{u, v}; };
@@ -67,121 +63,47 @@ class MeshTest : public ::testing::Test {
   AppState s;
 };
 
-TEST_F(MeshTest, CellsCoverThePictureAndShareTheirCornerNodes) {
-  Picture(64, 48, 8, 8);
-  CreeMaillage(s, 0);
-  EXPECT_EQ(s.XGridMax, 64);
-  EXPECT_EQ(s.YGridMax, 48);
-  ASSERT_EQ(s.NbMailles, 8 * 6);
-  ASSERT_EQ(s.NbNoeuds, 9 * 7);
-  std::set<std::pair<int32_t, int32_t>> positions;
-  for (int32_t c = 1; c <= s.NbMailles; ++c) {
-    const MeshCell& cell = s.Mailles[static_cast<size_t>(c)];
-    for (int k = 0; k < 4; ++k) {
-      const MeshNode& node = s.Noeuds[static_cast<size_t>(cell.Noeud[k])];
-      EXPECT_EQ(node.X, cell.X + kCorner[k][0] * 4) << "cell " << c << " corner " << k + 1;
-      EXPECT_EQ(node.Y, cell.Y + kCorner[k][1] * 4) << "cell " << c << " corner " << k + 1;
-    }
-  }
-  for (int32_t n = 1; n <= s.NbNoeuds; ++n) positions.insert({s.Noeuds[n].X, s.Noeuds[n].Y});
-  EXPECT_EQ(positions.size(), 63u) << "every node at its own place";
-}
-
-TEST_F(MeshTest, NumMailleRoundsToTheNearestGridLineAndNeverAnswersTheFirstColumnOrRow) {
-  Picture(64, 48, 8, 8);
-  CreeMaillage(s, 0);
+// Numbered column by column; a node needs two agreeing contributions, so a
+// lone pattern and a pair never count, and the corner cells of a block wait
+// for the repair. A contribution off by more than the threshold is dropped
+// and the others still give the field exactly.
+TEST_F(MeshTest, BlocksOfPatternsBeforeAndAfterTheRepair) {
   struct Case {
-    double x, y;
-    int32_t cellX, cellY;  // centre of the cell found, 0 for none
+    const char* what;
+    int32_t columns, rows;
+    double bump;  // added to Du of the centre pattern 5
+    std::vector<int32_t> meshed, repaired;
   };
-  // Half-way goes to the next line; the first column and row fall in the second.
+  const std::vector<int32_t> corners3x3{0, -1, 0, -1, -1, -1, 0, -1, 0};
   const Case cases[] = {
-      {40, 24, 40, 24}, {43.9, 27.9, 40, 24}, {44, 24, 48, 24}, {36, 20, 40, 24}, {8, 8, 16, 16},
-      {15.9, 8, 16, 16}, {64, 48, 64, 48},    {65, 24, 0, 0},   {7.9, 24, 0, 0},  {40, -1, 0, 0},
+      {"a lone pattern", 1, 1, 0.0, {0}, {0}},
+      {"two neighbours", 1, 2, 0.0, {0, 0}, {0, 0}},
+      {"a full block", 4, 3, 0.0, {0, -1, 0, -1, -1, -1, -1, -1, -1, 0, -1, 0}, std::vector<int32_t>(12, -1)},
+      {"an outlier in the centre", 3, 3, 5.0, corners3x3, std::vector<int32_t>(9, -1)},
   };
-  for (const Case& c : cases) {
-    const int32_t n = NumMaille(s, c.x, c.y);
-    EXPECT_EQ(n == 0 ? 0 : s.Mailles[n].X, c.cellX) << c.x << ", " << c.y;
-    EXPECT_EQ(n == 0 ? 0 : s.Mailles[n].Y, c.cellY) << c.x << ", " << c.y;
-  }
-}
-
-TEST_F(MeshTest, ALonePatternIsRejectedAndStaysSo) {
-  Picture(256, 256, 8, 8);
-  PutBlock(Translation(1, 2), 1, 1);
-  CreeMaillage(s, 0);
-  for (int k = 0; k < 4; ++k) {
-    EXPECT_EQ(NodeOf(1, k).Nval, 1);
-    EXPECT_FALSE(NodeOf(1, k).Valide);
-  }
-  EXPECT_EQ(s.FlagPat[1], 0);
-  RepareMaillage(s);
-  EXPECT_EQ(s.FlagPat[1], 0);
-}
-
-TEST_F(MeshTest, TwoNeighboursAgreeOnTheirSharedNodesOnly) {
-  Picture(256, 256, 8, 8);
-  PutBlock(Translation(1, 2), 1, 2);
-  CreeMaillage(s, 0);
-  // Corners 2 and 3 of the upper pattern are corners 1 and 4 of the lower one.
-  EXPECT_EQ(CellOf(1).Noeud[1], CellOf(2).Noeud[0]);
-  EXPECT_EQ(CellOf(1).Noeud[2], CellOf(2).Noeud[3]);
-  for (int k = 0; k < 4; ++k) {
-    const bool shared = k == 1 || k == 2;
-    EXPECT_EQ(NodeOf(1, k).Valide, shared) << "corner " << k + 1;
-    if (shared) {
-      EXPECT_EQ(NodeOf(1, k).Ecart, 0.0);
-    }
-  }
-  EXPECT_EQ(Flags(), (std::vector<int32_t>{0, 0}));
-  RepareMaillage(s);
-  EXPECT_EQ(Flags(), (std::vector<int32_t>{0, 0}));
-}
-
-TEST_F(MeshTest, AFullBlockLosesItsCornerCellsAndTheRepairCompletesThem) {
-  Picture(256, 256, 8, 8);
   const DisplacementField field = Affine(1.02, 0.01, -0.03, 0.99);
-  PutBlock(field, 4, 3);
-  CreeMaillage(s, 0);
-  // Numbered column by column: the corner cells are 1, 3, 10 and 12.
-  EXPECT_EQ(Flags(), (std::vector<int32_t>{0, -1, 0, -1, -1, -1, -1, -1, -1, 0, -1, 0}));
-  const std::pair<int32_t, int> outerCorners[] = {{1, 0}, {3, 1}, {12, 2}, {10, 3}};
-  for (auto [pattern, corner] : outerCorners) EXPECT_FALSE(NodeOf(pattern, corner).Valide);
-  RepareMaillage(s);
-  EXPECT_EQ(Flags(), std::vector<int32_t>(12, -1));
-  for (auto [pattern, corner] : outerCorners) {
-    const MeshNode& node = NodeOf(pattern, corner);
-    EXPECT_TRUE(node.Valide);
-    EXPECT_NEAR(node.U, field(node.X, node.Y).u, 1e-12);
-    EXPECT_NEAR(node.V, field(node.X, node.Y).v, 1e-12);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    s = AppState{};
+    Picture(256, 256, 8, 8);
+    PutBlock(field, c.columns, c.rows);
+    if (c.bump != 0.0) s.DuPat[5] += c.bump;
+    const auto expectValidNodesOnTheField = [&] {
+      for (int32_t i = 1; i <= s.NbPat; ++i)
+        for (int k = 0; k < 4; ++k) {
+          const MeshNode& node = NodeOf(i, k);
+          if (!node.Valide) continue;
+          EXPECT_NEAR(node.U, field(node.X, node.Y).u, 1e-12) << i << "/" << k;
+          EXPECT_NEAR(node.V, field(node.X, node.Y).v, 1e-12) << i << "/" << k;
+        }
+    };
+    CreeMaillage(s, 0);
+    EXPECT_EQ(Flags(), c.meshed);
+    expectValidNodesOnTheField();
+    RepareMaillage(s);
+    EXPECT_EQ(Flags(), c.repaired);
+    expectValidNodesOnTheField();
   }
-}
-
-TEST_F(MeshTest, AContributionOffByMoreThanTheThresholdIsDropped) {
-  Picture(256, 256, 8, 8);
-  const DisplacementField field = Affine(1.01, 0.0, 0.0, 1.01);
-  PutBlock(field, 3, 3);
-  s.DuPat[5] += 5.0;  // the centre pattern
-  CreeMaillage(s, 0);
-  for (int k = 0; k < 4; ++k) {
-    const MeshNode& node = NodeOf(5, k);
-    EXPECT_TRUE(node.Valide);
-    EXPECT_EQ(node.Nval, 3);
-    EXPECT_NEAR(node.U, field(node.X, node.Y).u, 1e-12);
-    EXPECT_NEAR(node.Ecart, 0.0, 1e-12);
-  }
-  EXPECT_EQ(s.FlagPat[5], -1);
-}
-
-TEST_F(MeshTest, ANodeLeftWithOneContributionIsInvalidAndKeepsTheLastMeans) {
-  Picture(256, 256, 8, 8);
-  Put({testing::PatternOf(Translation(0, 0), 64, 64, 8), testing::PatternOf(Translation(10, 4), 64, 72, 8)});
-  CreeMaillage(s, 0);
-  const MeshNode& shared = NodeOf(1, 1);
-  EXPECT_FALSE(shared.Valide);
-  EXPECT_EQ(shared.Nval, 1);
-  EXPECT_EQ(shared.U, 5.0);
-  EXPECT_EQ(shared.V, 2.0);
 }
 
 TEST_F(MeshTest, TheThresholdGrowsWithLpatMaxAndShrinksWithTheGridStep) {
@@ -206,22 +128,7 @@ TEST_F(MeshTest, TheThresholdGrowsWithLpatMaxAndShrinksWithTheGridStep) {
   }
 }
 
-// The product test moves its working cell only with good patterns, so a
-// pattern the file calls bad answers for the cell of the last good one before
-// it, not for its own.
-TEST_F(MeshTest, ABadPatternAnswersForTheCellOfTheGoodPatternBeforeIt) {
-  Picture(256, 256, 8, 8);
-  const std::vector<ResultPattern> block = GridPatterns(Translation(1, 1), 64, 64, 3, 3, 8, 8);
-  ResultPattern centre = block[4], apart = testing::PatternOf(Translation(1, 1), 160, 160, 8);
-  centre.flag = apart.flag = 1;
-  // The centre (all its nodes valid) follows a corner cell with an invalid
-  // outer node; the pattern apart (no valid node) follows the top middle cell.
-  Put({block[0], centre, block[1], block[2], block[3], apart, block[5], block[6], block[7], block[8]});
-  CreeMaillage(s, 0);
-  EXPECT_EQ(s.FlagPat[2], 0);
-  EXPECT_EQ(s.FlagPat[6], 1);
-}
-
+// A mirrored cell is folded; the area and side limits are in units of Lpas^2.
 TEST_F(MeshTest, ShapeRulesOfTheMesh) {
   struct Case {
     const char* what;
@@ -247,14 +154,6 @@ TEST_F(MeshTest, ShapeRulesOfTheMesh) {
     RepareMaillage(s);
     EXPECT_EQ(s.FlagPat[5], c.afterRepair) << c.what;
   }
-}
-
-TEST_F(MeshTest, PatternsOutsideThePictureGoToCellZeroWithoutHarm) {
-  Picture(64, 64, 8, 8);
-  Put({testing::PatternOf(Translation(0, 0), 5000, -300, 8), testing::PatternOf(Translation(0, 0), 2147483647, 0, 8)});
-  CreeMaillage(s, 0);
-  RepareMaillage(s);
-  EXPECT_EQ(Flags(), (std::vector<int32_t>{0, 0}));
 }
 
 }  // namespace
