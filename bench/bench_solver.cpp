@@ -10,7 +10,7 @@
 #include "icgn.h"
 #include "interpolation.h"
 #include "propagation.h"
-#include "synth/speckle.h"
+#include "synth/texture.h"
 
 namespace tessiva::solver {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "state/numtext.h"
-#include "synth/speckle.h"
+#include "synth/texture.h"
 
 namespace tessiva::cli {
 namespace {

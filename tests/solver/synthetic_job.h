@@ -14,7 +14,7 @@
 #include "setup/areaform.h"
 #include "setup/areas.h"
 #include "support/tempdir.h"
-#include "synth/speckle.h"
+#include "synth/texture.h"
 #include "ui/scriptedui.h"
 
 namespace tessiva::testing {

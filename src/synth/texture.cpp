@@ -1,4 +1,4 @@
-#include "synth/speckle.h"
+#include "synth/texture.h"
 
 #include <algorithm>
 #include <cmath>
