@@ -29,16 +29,6 @@ constexpr NamedCaption kPendingTools[] = {
     {"NewAnalyse", "Analyse"},
     {"AreaForm", "Input Data"}};
 
-QLabel* Heading(const QString& text, int pointSize, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
-  QFont font = label->font();
-  font.setPointSize(pointSize);
-  font.setBold(true);
-  label->setFont(font);
-  label->setAlignment(Qt::AlignCenter);
-  return label;
-}
-
 // Stands in for a tool window: it fills the client area, covering Pub as the tool would.
 QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
   auto* panel = new QFrame(parent);
@@ -48,7 +38,7 @@ QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
   panel->setAutoFillBackground(true);
   auto* layout = new QVBoxLayout(panel);
   layout->addStretch(1);
-  layout->addWidget(Heading(QLatin1String(tool.caption), 16, panel));
+  layout->addWidget(CentredCaption(QLatin1String(tool.caption), 16, true, panel));
   auto* note = new QLabel(QStringLiteral("This tool comes in a later release."), panel);
   note->setAlignment(Qt::AlignCenter);
   layout->addWidget(note);

@@ -53,7 +53,9 @@ class MotifPicture : public QWidget {
   }
 };
 
-QLabel* Caption(const QString& text, int pointSize, bool bold, QWidget* parent) {
+}  // namespace
+
+QLabel* CentredCaption(const QString& text, int pointSize, bool bold, QWidget* parent) {
   auto* label = new QLabel(text, parent);
   QFont font = label->font();
   font.setPointSize(pointSize);
@@ -62,8 +64,6 @@ QLabel* Caption(const QString& text, int pointSize, bool bold, QWidget* parent) 
   label->setAlignment(Qt::AlignCenter);
   return label;
 }
-
-}  // namespace
 
 PubWindow::PubWindow(QWidget* parent) : QFrame(parent) {
   setFrameStyle(QFrame::Panel | QFrame::Raised);
@@ -75,9 +75,9 @@ PubWindow::PubWindow(QWidget* parent) : QFrame(parent) {
   layout->setSpacing(10);
   layout->addWidget(new MotifPicture(150, this), 0, Qt::AlignHCenter);
   layout->addSpacing(8);
-  layout->addWidget(Caption(QStringLiteral("Tessiva"), 26, true, this));
-  layout->addWidget(Caption(QStringLiteral("Digital image correlation workbench"), 12, false, this));
-  layout->addWidget(Caption(QStringLiteral("Version " TESSIVA_VERSION), 10, false, this));
+  layout->addWidget(CentredCaption(QStringLiteral("Tessiva"), 26, true, this));
+  layout->addWidget(CentredCaption(QStringLiteral("Digital image correlation workbench"), 12, false, this));
+  layout->addWidget(CentredCaption(QStringLiteral("Version " TESSIVA_VERSION), 10, false, this));
   setFixedSize(sizeHint());
 }
 

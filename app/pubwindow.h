@@ -3,9 +3,14 @@
 #pragma once
 
 #include <QFrame>
+#include <QLabel>
+#include <QString>
 #include <QWidget>
 
 namespace tessiva {
+
+// A centred label in a larger font, for the titles of the frame's panels.
+QLabel* CentredCaption(const QString& text, int pointSize, bool bold, QWidget* parent);
 
 class PubWindow : public QFrame {
   Q_OBJECT
