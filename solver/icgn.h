@@ -31,7 +31,8 @@ struct IcgnSettings {
 };
 
 // Per-thread scratch: the subset's reference values and steepest-descent images.
-class SubsetCorrelator {
+// Aligned to a cache line so that two threads' correlators never share one.
+class alignas(64) SubsetCorrelator {
  public:
   SubsetCorrelator(const SampledPicture& ref, const SampledPicture& def, IcgnSettings settings)
       : ref_(ref), def_(def), settings_(settings) {}

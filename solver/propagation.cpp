@@ -1,29 +1,12 @@
 #include "propagation.h"
 
 #include <algorithm>
-#include <atomic>
 #include <memory>
-#include <thread>
+
+#include "workerpool.h"
 
 namespace tessiva::solver {
 namespace {
-
-// Runs body(item, worker) for every item, items handed out one at a time.
-template <typename Body>
-void ForEachItem(int32_t count, int32_t threads, const Body& body) {
-  const int32_t workers = std::clamp(threads, 1, std::max(count, 1));
-  if (workers == 1) {
-    for (int32_t i = 0; i < count; ++i) body(i, 0);
-    return;
-  }
-  std::atomic<int32_t> next{0};
-  std::vector<std::thread> pool;
-  for (int32_t w = 0; w < workers; ++w)
-    pool.emplace_back([&, w] {
-      for (int32_t i = next++; i < count; i = next++) body(i, w);
-    });
-  for (std::thread& t : pool) t.join();
-}
 
 bool Acceptable(const SubsetResult& r, double minZncc) { return r.converged && r.zncc >= minZncc; }
 
@@ -63,14 +46,14 @@ Warp CarriedFrom(const FieldProblem& p, int32_t from, int32_t to, const Warp& w)
 
 FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& seeds) {
   const auto count = static_cast<int32_t>(p.x.size()) - 1;
-  const int32_t workers = std::max(p.threads, 1);
+  WorkerPool pool(p.threads);
   std::vector<std::unique_ptr<SubsetCorrelator>> correlators;
-  for (int32_t w = 0; w < workers; ++w) correlators.push_back(std::make_unique<SubsetCorrelator>(*p.ref, *p.def, p.icgn));
+  for (int32_t w = 0; w < pool.Workers(); ++w) correlators.push_back(std::make_unique<SubsetCorrelator>(*p.ref, *p.def, p.icgn));
   FieldSolution field{std::vector<PatternSolution>(static_cast<size_t>(count) + 1), std::vector<bool>(seeds.size())};
   auto& sol = field.patterns;
 
   std::vector<PatternSolution> seedSolutions(seeds.size());
-  ForEachItem(static_cast<int32_t>(seeds.size()), workers, [&](int32_t i, int32_t w) {
+  pool.ForEach(static_cast<int32_t>(seeds.size()), [&](int32_t i, int32_t w) {
     seedSolutions[i] = SolveStart(*correlators[w], p, seeds[i]);
   });
   std::vector<int32_t> wave;
@@ -96,7 +79,7 @@ FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& se
         if (n > 0 && sol[n].good && (best == 0 || sol[n].zncc > sol[best].zncc)) best = n;
       guess = CarriedFrom(p, best, k, sol[best].warp);
     }
-    ForEachItem(static_cast<int32_t>(next.size()), workers, [&](int32_t i, int32_t w) {
+    pool.ForEach(static_cast<int32_t>(next.size()), [&](int32_t i, int32_t w) {
       sol[next[i].first] = SolvePattern(*correlators[w], p, next[i].first, next[i].second);
     });
     wave.clear();

@@ -1,0 +1,64 @@
+#include "workerpool.h"
+
+#include <algorithm>
+
+namespace tessiva::solver {
+namespace {
+
+// About a few tens of microseconds of polling: longer than the gap between
+// two waves, far shorter than a pattern loop is worth sleeping through.
+constexpr int32_t kSpinRounds = 4000;
+
+void Pause() {
+#if defined(__x86_64__) || defined(__i386__)
+  __builtin_ia32_pause();
+#else
+  std::this_thread::yield();
+#endif
+}
+
+}  // namespace
+
+WorkerPool::WorkerPool(int32_t workers) {
+  for (int32_t w = 1; w < std::max(workers, 1); ++w) threads_.emplace_back([this, w] { Serve(w); });
+}
+
+WorkerPool::~WorkerPool() {
+  stopping_ = true;
+  generation_.fetch_add(1);
+  generation_.notify_all();
+  for (std::thread& t : threads_) t.join();
+}
+
+void WorkerPool::ForEach(int32_t count, const std::function<void(int32_t, int32_t)>& body) {
+  if (threads_.empty() || count <= 1) {
+    for (int32_t i = 0; i < count; ++i) body(i, 0);
+    return;
+  }
+  body_ = &body;
+  count_ = count;
+  next_ = 0;
+  busy_ = static_cast<int32_t>(threads_.size());
+  generation_.fetch_add(1);
+  generation_.notify_all();
+  TakeItems(0);
+  while (busy_.load() > 0) Pause();
+}
+
+void WorkerPool::TakeItems(int32_t worker) {
+  for (int32_t i = next_++; i < count_; i = next_++) (*body_)(i, worker);
+}
+
+void WorkerPool::Serve(int32_t worker) {
+  uint32_t seen = 0;
+  for (;;) {
+    for (int32_t spin = 0; spin < kSpinRounds && generation_.load() == seen; ++spin) Pause();
+    generation_.wait(seen);
+    seen = generation_.load();
+    if (stopping_) return;
+    TakeItems(worker);
+    busy_.fetch_sub(1);
+  }
+}
+
+}  // namespace tessiva::solver

@@ -1,0 +1,43 @@
+// A fixed set of worker threads that runs one parallel loop after another.
+// The propagation calls a short loop per wave, a hundred or more per field;
+// keeping the threads alive between loops, and letting them spin briefly
+// before they sleep, saves a thread start and a wake-up on every wave.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace tessiva::solver {
+
+class WorkerPool {
+ public:
+  // `workers` threads take part, the caller's own included.
+  explicit WorkerPool(int32_t workers);
+  ~WorkerPool();
+  WorkerPool(const WorkerPool&) = delete;
+  WorkerPool& operator=(const WorkerPool&) = delete;
+
+  int32_t Workers() const { return static_cast<int32_t>(threads_.size()) + 1; }
+
+  // Runs body(item, worker) for items 0..count-1, handed out one at a time,
+  // and returns when all are done. `worker` is 0..Workers()-1, so a body can
+  // keep per-worker scratch.
+  void ForEach(int32_t count, const std::function<void(int32_t, int32_t)>& body);
+
+ private:
+  void Serve(int32_t worker);
+  void TakeItems(int32_t worker);
+
+  std::vector<std::thread> threads_;
+  const std::function<void(int32_t, int32_t)>* body_ = nullptr;
+  int32_t count_ = 0;
+  std::atomic<int32_t> next_{0};
+  std::atomic<int32_t> busy_{0};          // helpers still in the current loop
+  std::atomic<uint32_t> generation_{0};   // raised for every loop, and to stop
+  std::atomic<bool> stopping_{false};
+};
+
+}  // namespace tessiva::solver
