@@ -1,13 +1,32 @@
 #include "commands.h"
 
 #include "exportcommand.h"
+#include "setupcommand.h"
+#include "state/numtext.h"
+#include "synthcommand.h"
 
 namespace tessiva::cli {
 namespace {
 
 constexpr const char* kUsage =
-    "Usage: tessiva-cli export RESULT.res --cfr|--unv|--inp OUT [--show-bad-pattern] [--final-to-initial]\n"
+    "Usage: tessiva-cli synth DIR FIELD [A [B [C]]] [--size N] [--noise SIGMA] [--seed K]\n"
+    "       tessiva-cli setup DIR [--ref NAME] [--def NAME] [--data NAME.don] [--area X1 Y1 X2 Y2]\n"
+    "                             [--grid N] [--pattern MIN MAX] [--bilinear] [--large-strain]\n"
+    "       tessiva-cli export RESULT.res --cfr|--unv|--inp OUT [--show-bad-pattern] [--final-to-initial]\n"
     "       tessiva-cli --help\n"
+    "\n"
+    "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp with a known displacement\n"
+    "        field, and the field at every point in DIR/truth.txt. FIELD and its values:\n"
+    "          translation U V, strain EXX EYY, shear GAMMA, rotation DEGREES,\n"
+    "          sinusoid AMPLITUDE PERIOD, hole REMOTE_STRAIN RADIUS,\n"
+    "          neck STRAIN PEAK WIDTH, crack KI/(2 mu)\n"
+    "\n"
+    "setup   writes the data file DIR/NAME.don (data.don) for the pictures DIR/ref.bmp and\n"
+    "        DIR/def.bmp, as the setup window would: one rectangular area (the picture less a\n"
+    "        tenth of its size on each side unless --area is given), the pattern grid, a start\n"
+    "        point at the area's middle found by the start search, and the check that every\n"
+    "        pattern can be reached. Grid step (10) and pattern sizes (21 25) are kept within\n"
+    "        the limits of the parameters window; the cubic spline is used unless --bilinear.\n"
     "\n"
     "export  reads a result file as the analysis window does (mesh and strains) and\n"
     "        writes its mesh and results to OUT:\n"
@@ -21,17 +40,28 @@ constexpr const char* kUsage =
 
 }  // namespace
 
+std::optional<int32_t> WholeNumber(const std::string& text) {
+  const double value = ValNorm(text);
+  if (text.empty() || value != Round(value)) return std::nullopt;
+  return RoundToInt32(value);
+}
+
 int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h")) {
     out << kUsage;
     return kDone;
   }
   std::string problem = "no command given";
-  if (!args.empty() && args[0] == "export") {
-    const std::vector<std::string> rest(args.begin() + 1, args.end());
-    if (const std::optional<ExportRequest> request = ParseExport(rest, problem)) return RunExport(*request, err);
-  } else if (!args.empty()) {
-    problem = "unknown command " + args[0];
+  const std::vector<std::string> rest(args.begin() + (args.empty() ? 0 : 1), args.end());
+  const std::string command = args.empty() ? "" : args[0];
+  if (command == "export") {
+    if (const auto request = ParseExport(rest, problem)) return RunExport(*request, err);
+  } else if (command == "synth") {
+    if (const auto request = ParseSynth(rest, problem)) return RunSynth(*request, out, err);
+  } else if (command == "setup") {
+    if (const auto request = ParseSetup(rest, problem)) return RunSetup(*request, out, err);
+  } else if (!command.empty()) {
+    problem = "unknown command " + command;
   }
   err << "tessiva-cli: " << problem << "\n\n" << kUsage;
   return kUsageError;

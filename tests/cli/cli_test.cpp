@@ -65,16 +65,42 @@ TEST_F(Cli, WrongCommandLinesGetTheUsage) {
       {{"export", res, "--cfr", out, "--unv", out}, "give only one of --cfr, --unv and --inp"},
       {{"export", res, "--unv"}, "--unv needs the name of the file to write"},
       {{"export", res, res, "--cfr", out}, "unexpected argument " + res},
+      {{"synth", dir.Path(), "spiral"}, "unknown field spiral"},
+      {{"synth", dir.Path(), "translation", "--size", "8"}, "bad option --size 8"},
+      {{"setup"}, "setup needs the directory of the pictures"},
+      {{"setup", dir.Path(), "--area", "1", "2", "3"}, "--area needs four whole numbers X1 Y1 X2 Y2"},
+      {{"setup", dir.Path(), "--data", "job.res"}, "the data file's name must end in .don"},
   };
   for (const Case& c : cases) {
     const Outcome o = RunCommand(c.args);
     EXPECT_EQ(o.status, kUsageError) << c.complaint;
-    EXPECT_TRUE(o.err.starts_with("tessiva-cli: " + c.complaint + "\n\nUsage: tessiva-cli export")) << o.err;
+    EXPECT_TRUE(o.err.starts_with("tessiva-cli: " + c.complaint + "\n\nUsage: tessiva-cli ")) << o.err;
   }
   const Outcome help = RunCommand({"--help"});
   EXPECT_EQ(help.status, kDone);
-  EXPECT_TRUE(help.out.starts_with("Usage: tessiva-cli export RESULT.res --cfr|--unv|--inp OUT")) << help.out;
+  EXPECT_NE(help.out.find("tessiva-cli export RESULT.res --cfr|--unv|--inp OUT"), std::string::npos) << help.out;
   EXPECT_EQ(help.err, "");
+}
+
+// Pictures to data file without a window; a setup that can't be done says why
+// and writes nothing.
+TEST_F(Cli, SetupWritesTheDataFileOfSyntheticPictures) {
+  const std::string pictures = dir.File("pictures");
+  ASSERT_EQ(RunCommand({"synth", pictures, "translation", "3", "-2", "--size", "128"}).status, kDone);
+  const Outcome missing = RunCommand({"setup", pictures, "--ref", "none.bmp"});
+  EXPECT_EQ(missing.status, kFailed);
+  EXPECT_NE(missing.err.find("none.bmp"), std::string::npos) << missing.err;
+  const Outcome outside = RunCommand({"setup", pictures, "--area", "10", "10", "300", "100"});
+  EXPECT_EQ(outside.status, kFailed);
+  EXPECT_NE(outside.err.find("doesn't lie inside the picture of 128 x 128 pixels"), std::string::npos) << outside.err;
+  EXPECT_FALSE(FileExists(JoinPath(pictures, "data.don")));
+
+  const Outcome made = RunCommand({"setup", pictures, "--data", "job.don", "--grid", "8"});
+  ASSERT_EQ(made.status, kDone) << made.err;
+  const std::string text = ReadWholeFile(JoinPath(pictures, "job.don")).value_or("");
+  EXPECT_NE(text.find("PicDef=def.bmp"), std::string::npos);
+  // The start point at the area's middle, with the shift the start search found.
+  for (const char* line : {"x1=0064", "y1=0064", "du1=0003", "dv1=-002"}) EXPECT_NE(text.find(line), std::string::npos) << line;
 }
 
 // A stretched block and a lone bad pattern away from it, so that both

@@ -85,8 +85,7 @@ TEST(SolverGroundTruth, UniformStretchGivesItsStrainAtEveryNode) {
     ResultView view;
     JobSetup job;
     job.largeStrain = c.largeStrain;
-    job.x1 = job.y1 = 60;
-    job.x2 = job.y2 = 132;
+    job.area = JobSetup::Corners{60, 60, 132, 132};
     job.startDisplacement = std::pair{0, 0};  // the field's centre stays
     FieldSpec field{FieldKind::UniformStrain, c.exx, 0.0};
     field.cx = field.cy = 96;
@@ -200,18 +199,22 @@ TEST(SolverJobs, BadInputSkipsThatJobOnly) {
     TempDir dir;
     ASSERT_TRUE(synth::WriteSyntheticPair(dir.Path(), Pictures(160), {FieldKind::Translation, 1.0, 0.0}));
     testing::MakeDataFile(dir.Path(), "good.don", JobSetup{});
-    JobSetup bad;
-    if (c.data == "nostart.don") bad.withStart = false;
+    // The bad files are the good one with a fault put in.
+    const std::string good = dir.Read("good.don");
+    const auto replaced = [](std::string text, const std::string& from, const std::string& to) {
+      for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+      return text;
+    };
+    if (c.data == "gone.don") dir.Write(c.data, replaced(good, "PicDef=def.bmp", "PicDef=gone.bmp"));
+    if (c.data == "nostart.don") {
+      JobSetup bad;
+      bad.withStart = false;
+      testing::MakeDataFile(dir.Path(), c.data, bad);
+    }
     if (c.data == "blank.don") {
       ASSERT_TRUE(SaveGreyBmp(dir.File("flat.bmp"), 160, 160, std::vector<uint8_t>(160 * 160, 90)));
-      bad.ref = bad.def = "flat.bmp";
-      bad.startDisplacement = std::pair{1, 0};
-    }
-    if (c.data != "absent.don" && !c.data.empty()) testing::MakeDataFile(dir.Path(), c.data, bad);
-    if (c.data == "gone.don") {
-      std::string text = dir.Read("gone.don");
-      text.replace(text.find("PicDef=def.bmp"), 14, "PicDef=gone.bmp");
-      dir.Write("gone.don", text);
+      dir.Write(c.data, replaced(replaced(good, "ref.bmp", "flat.bmp"), "def.bmp", "flat.bmp"));
     }
     if (!c.data.empty()) dir.Write("entre.dat", c.data + "\ngood.don\n");
     std::ostringstream out;

@@ -1,0 +1,27 @@
+// tessiva-cli synth: a synthetic speckle pair with a known displacement field,
+// and the ground truth it was made with.
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "synth/texture.h"
+
+namespace tessiva::cli {
+
+struct SynthRequest {
+  std::string dir;
+  synth::SpeckleSettings settings;
+  synth::FieldSpec field;
+};
+
+// The arguments after "synth": DIR FIELD [A [B [C]]] [--size N] [--noise SIGMA]
+// [--seed K]. Nothing, and the complaint in `problem`, when they are wrong.
+std::optional<SynthRequest> ParseSynth(const std::vector<std::string>& args, std::string& problem);
+
+// Writes DIR/ref.bmp, DIR/def.bmp and DIR/truth.txt.
+int RunSynth(const SynthRequest& request, std::ostream& out, std::ostream& err);
+
+}  // namespace tessiva::cli
