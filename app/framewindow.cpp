@@ -8,6 +8,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include "managejobswindow.h"
 #include "paramwindow.h"
 #include "pubwindow.h"
 
@@ -25,7 +26,6 @@ constexpr NamedCaption kCommands[] = {
 // Tool windows not built yet, with the caption of the command that leads to them.
 constexpr NamedCaption kPendingTools[] = {
     {"MiseEnDonne", "Input Data"},
-    {"ManageJobs", "Manage Jobs"},
     {"NewAnalyse", "Analyse"},
     {"AreaForm", "Input Data"}};
 
@@ -48,7 +48,7 @@ QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
 
 }  // namespace
 
-FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param)
+FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs)
     : controller_(controller), controls_(controls) {
   setObjectName(QStringLiteral("MDIForm1"));
   setMinimumSize(MDIForm1::kMinWidth, MDIForm1::kMinHeight);
@@ -57,7 +57,7 @@ FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param&
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(BuildCommandBar());
-  layout->addWidget(BuildClientArea(), 1);
+  layout->addWidget(BuildClientArea(jobs), 1);
   setCentralWidget(central);
   BuildStatusArea();
   // The parameters float over the frame, beside the tool that opens them.
@@ -88,7 +88,7 @@ QWidget* FrameWindow::BuildCommandBar() {
   return bar;
 }
 
-QWidget* FrameWindow::BuildClientArea() {
+QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs) {
   client_ = new QWidget(this);
   client_->setBackgroundRole(QPalette::Dark);
   client_->setAutoFillBackground(true);
@@ -99,6 +99,7 @@ QWidget* FrameWindow::BuildClientArea() {
   auto* pub = new PubWindow(client_);
   pub->setObjectName(QStringLiteral("Pub"));
   layout->addWidget(pub, 0, 0, Qt::AlignCenter);
+  layout->addWidget(new ManageJobsWindow(jobs, client_), 0, 0);
   for (const NamedCaption& tool : kPendingTools) layout->addWidget(ToolPlaceholder(tool, client_), 0, 0);
   return client_;
 }

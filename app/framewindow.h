@@ -7,6 +7,7 @@
 #include <QPoint>
 #include <memory>
 
+#include "batch/managejobs.h"
 #include "registrybinding.h"
 #include "state/frame.h"
 #include "state/param.h"
@@ -17,7 +18,7 @@ class FrameWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param);
+  FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs);
   ~FrameWindow() override;
 
   // Size and place from the controller's bounds of "MDIForm1", on a screen whose
@@ -31,7 +32,7 @@ class FrameWindow : public QMainWindow {
 
  private:
   QWidget* BuildCommandBar();
-  QWidget* BuildClientArea();
+  QWidget* BuildClientArea(ManageJobs& jobs);
   void BuildStatusArea();
   void OnClicked(const std::string& name);
 

@@ -67,12 +67,18 @@ RegistryBinding::RegistryBinding(ControlRegistry& registry, QWidget* root) : reg
 
 RegistryBinding::~RegistryBinding() { registry_.Unsubscribe(subscription_); }
 
+namespace {
+constexpr const char* kOwnBinding = "tessivaOwnBinding";
+}  // namespace
+
+void MarkOwnBinding(QWidget* window) { window->setProperty(kOwnBinding, true); }
+
 void RegistryBinding::BindTree(QWidget* parent) {
   for (QObject* child : parent->children()) {
     auto* widget = qobject_cast<QWidget*>(child);
     if (!widget) continue;
     Bind(widget);
-    if (!widget->isWindow()) BindTree(widget);
+    if (!widget->isWindow() && !widget->property(kOwnBinding).toBool()) BindTree(widget);
   }
 }
 

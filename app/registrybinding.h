@@ -34,8 +34,11 @@ std::optional<int> ControlIndex(std::string_view name, std::string_view base);
 // controller reads the new value; clicks and key presses are only reported.
 //
 // A child window is bound by its own name, but its controls belong to its own
-// registry and binding. The root window's visibility belongs to whoever shows it.
+// registry and binding: a top-level window, or a widget marked with
+// MarkOwnBinding (a tool window laid in the frame's client area). The root window's visibility belongs to whoever shows it.
 // Bind a window once it has all its widgets.
+void MarkOwnBinding(QWidget* window);
+
 class RegistryBinding : public QObject {
   Q_OBJECT
 

@@ -6,7 +6,7 @@
 
 namespace tessiva {
 
-Workbench::Workbench() : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_)) {
+Workbench::Workbench() : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_)) {
   ui_.SetDialogParent(window_.get());
 }
 

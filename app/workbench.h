@@ -6,6 +6,7 @@
 #include <QString>
 #include <memory>
 
+#include "batch/managejobs.h"
 #include "framewindow.h"
 #include "qtui.h"
 #include "state/appstate.h"
@@ -33,6 +34,7 @@ class Workbench {
   QtUi ui_{frameControls_};
   MDIForm1 frame_{state_, ui_};
   Param param_{state_};
+  ManageJobs jobs_{state_, ui_};
   std::unique_ptr<FrameWindow> window_;
 };
 

@@ -111,11 +111,19 @@ void MDIForm1::OpenAnalyse() {
   }
   s_.FileName = chosen.FileName;
   s_.FileTitle = chosen.FileTitle;
-  const size_t cut = std::min(s_.FileName.size(), s_.FileTitle.size() + 1);
-  s_.LastDir = s_.FileName.substr(0, s_.FileName.size() - cut);
-  WritePrivateProfileStringA("PATH", "LastDir", s_.LastDir, s_.IniPath);
+  RememberLastDir(s_, ChosenDirectory(chosen));
   s_.AnalyseOpen = true;
   ui_.Frame().SetVisible("NewAnalyse", true);
+}
+
+std::string ChosenDirectory(const FileDialogResult& chosen) {
+  const size_t cut = std::min(chosen.FileName.size(), chosen.FileTitle.size() + 1);
+  return chosen.FileName.substr(0, chosen.FileName.size() - cut);
+}
+
+void RememberLastDir(AppState& s, const std::string& dir) {
+  s.LastDir = dir;
+  WritePrivateProfileStringA("PATH", "LastDir", s.LastDir, s.IniPath);
 }
 
 void MDIForm1::OnMouseMove() { ui_.StatusLine(kStartMessage); }

@@ -18,6 +18,12 @@ inline constexpr const char* kProgramTitle = "Tessiva - Version 4.65.0 - Tessiva
 // which start at x -10 to 10 and y -15 to 25, to hold every point.
 void ReadFormingLimitCurve(AppState& s);
 
+// The directory of a file chosen in a dialog: its FileName less its FileTitle
+// and the separator before it.
+std::string ChosenDirectory(const FileDialogResult& chosen);
+// Makes `dir` the data directory, kept in correl.ini for the next start.
+void RememberLastDir(AppState& s, const std::string& dir);
+
 class MDIForm1 {
  public:
   enum Command { kInputData = 0, kManageJobs = 1, kAnalyse = 2 };

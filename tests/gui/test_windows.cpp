@@ -1,5 +1,6 @@
 // End-to-end flows through the real windows: the Analyse command with its file
-// dialog, a start-up without the solver's path, and the parameters window.
+// dialog, a start-up without the solver's path, the parameters window, and the
+// job queue from its file dialog to a solver that can't be started.
 #include <QApplication>
 #include <QFile>
 #include <QFileDialog>
@@ -9,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include "suites.h"
 #include "workbench.h"
@@ -47,6 +49,7 @@ class WindowFlows : public QObject {
   void cancelledAnalyseLeavesTheFrameEmpty();
   void startWithoutSolverPathTellsAndFails();
   void enteredPatternSizesComeBackClamped();
+  void queuedJobIsWrittenWhenTheSolverCannotStart();
 };
 
 void WindowFlows::cancelledAnalyseLeavesTheFrameEmpty() {
@@ -106,6 +109,40 @@ void WindowFlows::enteredPatternSizesComeBackClamped() {
   QCOMPARE(maximum->text(), QStringLiteral(" 32"));
   QCOMPARE(minimum->palette().color(QPalette::Text), QColor(Qt::black));
   QCOMPARE(std::make_pair(workbench.State().LpatMin, workbench.State().LpatMax), std::make_pair(10, 32));
+}
+
+void WindowFlows::queuedJobIsWrittenWhenTheSolverCannotStart() {
+  QTemporaryDir dir;
+  WriteIni(dir, kIni);  // the solver "solver" isn't in the start directory
+  QVERIFY(QFile(dir.filePath(QStringLiteral("job.don"))).open(QIODevice::WriteOnly));
+  Workbench workbench;
+  QVERIFY(workbench.Start(dir.path()));
+  QTest::mouseClick(workbench.Window().findChild<QPushButton*>(QStringLiteral("Command1(1)")), Qt::LeftButton);
+  auto* jobs = workbench.Window().findChild<QWidget*>(QStringLiteral("ManageJobs"));
+  QVERIFY(jobs->isVisible());
+  auto* tree = jobs->findChild<QTreeWidget*>(QStringLiteral("Tree1"));
+  const auto queue = tree->findItems(QStringLiteral("Queue of jobs"), Qt::MatchExactly | Qt::MatchRecursive);
+  QCOMPARE(queue.size(), 1);
+
+  WhenModalShown<QFileDialog>([&](QFileDialog* dialog) {
+    dialog->selectFile(dir.filePath(QStringLiteral("job.don")));
+    QMetaObject::invokeMethod(dialog, "accept");  // a protected override of the public slot
+  });
+  QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(queue[0]).center());
+  const QString jobPath = QDir::toNativeSeparators(dir.filePath(QStringLiteral("job.don")));
+  QCOMPARE(tree->findItems(jobPath, Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
+
+  QString message;
+  WhenModalShown<QMessageBox>([&](QMessageBox* box) {
+    message = box->text();
+    box->button(QMessageBox::Ok)->click();
+  });
+  QTest::mouseClick(jobs->findChild<QPushButton*>(QStringLiteral("Command1")), Qt::LeftButton);
+  QCOMPARE(message, QStringLiteral("Can't run solver"));
+  QVERIFY(!jobs->isVisible());
+  QFile queued(dir.filePath(QStringLiteral("entre.dat")));
+  QVERIFY(queued.open(QIODevice::ReadOnly));
+  QCOMPARE(queued.readAll(), QByteArray("job.don\n"));
 }
 
 int RunWindowFlows(int argc, char** argv) {
