@@ -1,19 +1,40 @@
 // An analysis window over its own state, a scripted port and a scratch
-// directory, and the reading of result files written for known fields.
+// directory, and the reading of result files written for known fields; and,
+// for the mesh and its exports, pattern stores filled without a file.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "analysis/newanalyse.h"
 #include "results/resultfile.h"
+#include "state/param.h"
 #include "support/resultwriter.h"
 #include "support/tempdir.h"
 #include "ui/scriptedui.h"
 
 namespace tessiva::testing {
+
+// A picture of lima x hima at grid step lgrid, its pattern stores sized for it.
+inline void SetPicture(AppState& s, int32_t lima, int32_t hima, int32_t lgrid, int32_t lpatMax) {
+  std::tie(s.Lima, s.Hima, s.Lgrid, s.Lpas, s.LpatMax) = std::tuple(lima, hima, lgrid, 2 * (lgrid / 2), lpatMax);
+  s.LpatMin = s.LpatEven = lgrid;
+  AllocPat(s);
+}
+
+// The patterns put straight into the stores, as the reader puts them.
+inline void PutPatterns(AppState& s, const std::vector<ResultPattern>& patterns) {
+  s.NbPat = static_cast<int32_t>(patterns.size());
+  for (int32_t i = 1; i <= s.NbPat; ++i) {
+    const ResultPattern& p = patterns[static_cast<size_t>(i - 1)];
+    std::tie(s.FlagPat[i], s.XPat[i], s.YPat[i]) = std::tie(p.flag, p.x, p.y);
+    s.AuPat[i] = p.u[0], s.BuPat[i] = p.u[1], s.CuPat[i] = p.u[2], s.DuPat[i] = p.u[3];
+    s.AvPat[i] = p.v[0], s.BvPat[i] = p.v[1], s.CvPat[i] = p.v[2], s.DvPat[i] = p.v[3];
+  }
+}
 
 class AnalysisFixture : public ::testing::Test {
  protected:

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <random>
 
 #include "results/analysisfixture.h"
@@ -17,82 +18,47 @@ using testing::AnalysisFixture;
 using testing::Displacement;
 using testing::GridPatterns;
 using testing::ResultHead;
+using Rng = std::mt19937;
 
-constexpr unsigned kSeed = 20240611;
 constexpr int kCases = 300;
+constexpr size_t npos = std::string::npos;
 
-class Corrupter {
- public:
-  explicit Corrupter(unsigned seed) : rng_(seed) {}
+int Pick(Rng& r, int low, int high) { return std::uniform_int_distribution<int>(low, high)(r); }
+size_t PlaceIn(const std::string& t, Rng& r) { return static_cast<size_t>(Pick(r, 0, static_cast<int>(t.size()) - 1)); }
 
-  std::string Damage(std::string text) {
-    for (int n = Pick(1, 3); n > 0 && !text.empty(); --n) {
-      switch (Pick(0, 5)) {
-        case 0: text.resize(static_cast<size_t>(Pick(0, static_cast<int>(text.size())))); break;
-        case 1: ScrambleBytes(text); break;
-        case 2: ReplaceNumber(text); break;
-        case 3: DropSection(text); break;
-        case 4: RepeatBlock(text); break;
-        default: DropLine(text); break;
-      }
-    }
-    return text;
-  }
-
- private:
-  int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng_); }
-  size_t PickIn(const std::string& text) { return static_cast<size_t>(Pick(0, static_cast<int>(text.size()) - 1)); }
-
-  void ScrambleBytes(std::string& text) {
-    static const char kTelling[] = {'\0', '\r', '\n', '[', ' ', ',', '-', '.', 'E', '\xff'};
-    for (int n = Pick(1, 8); n > 0; --n)
-      text[PickIn(text)] = Pick(0, 1) ? kTelling[Pick(0, 9)] : static_cast<char>(Pick(0, 255));
-  }
-
-  void ReplaceNumber(std::string& text) {
-    static const char* const kNumbers[] = {"99999999999999", "2147483647", "-2147483648", "1e308", "nan",
-                                           "inf",            "-0",         "0,5.5",       "1E999", "-1e-320"};
-    std::vector<std::pair<size_t, size_t>> runs;
-    for (size_t i = 0; i < text.size();) {
-      if (!std::isdigit(static_cast<unsigned char>(text[i]))) {
-        ++i;
-        continue;
-      }
-      const size_t start = i;
-      while (i < text.size() && std::isdigit(static_cast<unsigned char>(text[i]))) ++i;
-      runs.emplace_back(start, i - start);
-    }
-    if (runs.empty()) return;
-    const auto [start, length] = runs[static_cast<size_t>(Pick(0, static_cast<int>(runs.size()) - 1))];
-    text.replace(start, length, kNumbers[Pick(0, 9)]);
-  }
-
-  void DropSection(std::string& text) {
-    std::vector<size_t> starts;
-    for (size_t i = 0; i < text.size(); ++i)
-      if (text[i] == '[' && (i == 0 || text[i - 1] == '\n')) starts.push_back(i);
-    if (starts.empty()) return;
-    const size_t which = static_cast<size_t>(Pick(0, static_cast<int>(starts.size()) - 1));
-    const size_t end = which + 1 < starts.size() ? starts[which + 1] : text.size();
-    text.erase(starts[which], end - starts[which]);
-  }
-
-  // Far more patterns than any grid of the picture holds.
-  void RepeatBlock(std::string& text) {
-    const size_t block = text.find("[RESULTS]\n");
-    if (block == std::string::npos) return;
-    const std::string body = text.substr(block + 10);
-    for (int n = Pick(1, 3); n > 0; --n) text += body;
-  }
-
-  void DropLine(std::string& text) {
-    const size_t at = text.rfind('\n', PickIn(text));
-    const size_t from = at == std::string::npos ? 0 : at + 1;
-    const size_t to = text.find('\n', from);
-    text.erase(from, to == std::string::npos ? std::string::npos : to - from + 1);
-  }
-
-  std::mt19937 rng_;
+// Each damage is given a text that isn't empty.
+const std::function<void(std::string&, Rng&)> kDamages[] = {
+    [](std::string& t, Rng& r) { t.resize(static_cast<size_t>(Pick(r, 0, static_cast<int>(t.size())))); },
+    [](std::string& t, Rng& r) {  // bytes overwritten, half of them with ones the number syntax gives a meaning
+      static const char kTelling[] = {'\0', '\r', '\n', '[', ' ', ',', '-', '.', 'E', '\xff'};
+      for (int n = Pick(r, 1, 8); n > 0; --n)
+        t[PlaceIn(t, r)] = Pick(r, 0, 1) ? kTelling[Pick(r, 0, 9)] : static_cast<char>(Pick(r, 0, 255));
+    },
+    [](std::string& t, Rng& r) {  // the number at or after a random place made absurd or garbage
+      static const char* const kNumbers[] = {"99999999999999", "2147483647", "-2147483648", "1e308", "nan",
+                                             "inf",            "-0",         "0,5.5",       "1E999", "-1e-320"};
+      const size_t at = t.find_first_of("0123456789", PlaceIn(t, r));
+      if (at != npos)
+        t.replace(at, std::min(t.find_first_not_of("0123456789", at), t.size()) - at, kNumbers[Pick(r, 0, 9)]);
+    },
+    [](std::string& t, Rng& r) {  // one whole section dropped
+      std::vector<size_t> starts;
+      for (size_t i = 0; i < t.size(); ++i)
+        if (t[i] == '[' && (i == 0 || t[i - 1] == '\n')) starts.push_back(i);
+      if (starts.empty()) return;
+      const auto k = static_cast<size_t>(Pick(r, 0, static_cast<int>(starts.size()) - 1));
+      t.erase(starts[k], (k + 1 < starts.size() ? starts[k + 1] : t.size()) - starts[k]);
+    },
+    [](std::string& t, Rng& r) {  // the block repeated: far more patterns than any grid of the picture holds
+      const size_t block = t.find("[RESULTS]\n");
+      if (block == npos) return;
+      const std::string body = t.substr(block + 10);
+      for (int n = Pick(r, 1, 3); n > 0; --n) t += body;
+    },
+    [](std::string& t, Rng& r) {  // one line dropped
+      const size_t at = t.rfind('\n', PlaceIn(t, r)), from = at == npos ? 0 : at + 1, to = t.find('\n', from);
+      t.erase(from, to == npos ? npos : to - from + 1);
+    },
 };
 
 class ResultCorruption : public AnalysisFixture {
@@ -134,11 +100,12 @@ TEST_F(ResultCorruption, DamagedFilesNeverBreakTheResultOnShow) {
   const auto second = [](double x, double y) { return Displacement{1 + 0.02 * y, -0.01 * x}; };
   ASSERT_TRUE(ReadResult(Head(), GridPatterns(first, 24, 24, 12, 12, 8, 8)));
   const std::string good = ResultFileText(Head(), GridPatterns(second, 24, 24, 12, 12, 8, 8));
-  Corrupter corrupter(kSeed);
+  Rng rng(20240611);
   int refused = 0;
   for (int n = 0; n < kCases; ++n) {
     SCOPED_TRACE("case " + std::to_string(n));
-    const std::string damaged = corrupter.Damage(good);
+    std::string damaged = good;
+    for (int k = Pick(rng, 1, 3); k > 0 && !damaged.empty(); --k) kDamages[Pick(rng, 0, 5)](damaged, rng);
     const AppState before = s;
     ui.log.clear();
     if (ReadText(damaged, 2)) {

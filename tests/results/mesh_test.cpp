@@ -4,8 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "state/param.h"
-#include "support/resultwriter.h"
+#include "results/analysisfixture.h"
 
 namespace tessiva {
 namespace {
@@ -29,26 +28,9 @@ DisplacementField Affine(double f11, double f12, double f21, double f22) {
 class MeshTest : public ::testing::Test {
  protected:
   void Picture(int32_t lima, int32_t hima, int32_t lgrid, int32_t lpatMax) {
-    s.Lima = lima;
-    s.Hima = hima;
-    s.Lgrid = lgrid;
-    s.Lpas = 2 * (lgrid / 2);
-    s.LpatMin = s.LpatEven = lgrid;
-    s.LpatMax = lpatMax;
-    AllocPat(s);
+    testing::SetPicture(s, lima, hima, lgrid, lpatMax);
   }
-
-  void Put(const std::vector<ResultPattern>& patterns) {
-    s.NbPat = static_cast<int32_t>(patterns.size());
-    for (int32_t i = 1; i <= s.NbPat; ++i) {
-      const ResultPattern& p = patterns[static_cast<size_t>(i - 1)];
-      s.FlagPat[i] = p.flag;
-      s.XPat[i] = p.x;
-      s.YPat[i] = p.y;
-      s.AuPat[i] = p.u[0], s.BuPat[i] = p.u[1], s.CuPat[i] = p.u[2], s.DuPat[i] = p.u[3];
-      s.AvPat[i] = p.v[0], s.BvPat[i] = p.v[1], s.CvPat[i] = p.v[2], s.DvPat[i] = p.v[3];
-    }
-  }
+  void Put(const std::vector<ResultPattern>& patterns) { testing::PutPatterns(s, patterns); }
 
   // A block of patterns at 64, 64 with the grid step as spacing.
   void PutBlock(const DisplacementField& field, int32_t columns, int32_t rows) {

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <functional>
+#include <tuple>
 
 #include "results/analysisfixture.h"
 
@@ -60,12 +61,8 @@ TEST_F(ResultReaderTest, HeadKeysTakeTheFilesValues) {
   const std::string text = Replaced(ResultFileText(head, Block()), "  Number=00  \n",
                                     "  Number=01  \n  Nbox1=02\n  x1-1=10\n  y1-1=20\n  x1-2=-10000\n");
   ASSERT_TRUE(ReadText(text));
-  EXPECT_EQ(s.NbBox, 2);
-  EXPECT_EQ(s.YBox[1][1], 20);
-  EXPECT_EQ(s.XBox[1][2], -10000);
-  EXPECT_EQ(s.UnitNameX, "mm");
-  EXPECT_EQ(s.UnitPX, 0.05);
-  EXPECT_EQ(window.UniteLabels[4], "sqr(mm x pixel)");
+  EXPECT_EQ(std::tie(s.NbBox, s.YBox[1][1], s.XBox[1][2]), std::make_tuple(2, 20, -10000));
+  EXPECT_EQ(std::tie(s.UnitNameX, s.UnitPX, window.UniteLabels[4]), std::make_tuple("mm", 0.05, "sqr(mm x pixel)"));
   EXPECT_FALSE(s.StartOk[1]) << "dv1 is missing";
   EXPECT_EQ(window.VueCourante, 16) << "forming-limit data show the FLC view";
 }
@@ -106,28 +103,19 @@ TEST_F(ResultReaderTest, BlockLinesReadFieldByField) {
   const Case cases[] = {
       {"decimal commas on the first line", "-1 80 88 0,5 -0,25", 1,
        [](const AppState& st) {
-         EXPECT_EQ(st.XPat[2], 80);
-         EXPECT_EQ(st.YPat[2], 88);
-         EXPECT_EQ(st.D1Pat[2], 0.5);
-         EXPECT_EQ(st.D2Pat[2], -0.25);
+         EXPECT_EQ(std::tie(st.XPat[2], st.YPat[2], st.D1Pat[2], st.D2Pat[2]), std::make_tuple(80, 88, 0.5, -0.25));
        }},
       {"a first line with two blanks sets flag and x only", "-1 80 88", 1,
        [&](const AppState& st) {
-         EXPECT_EQ(st.XPat[2], 80);
-         EXPECT_EQ(st.YPat[2], before.y);
-         EXPECT_EQ(st.D1Pat[2], before.d1);
+         EXPECT_EQ(std::tie(st.XPat[2], st.YPat[2], st.D1Pat[2]), std::make_tuple(80, before.y, before.d1));
        }},
       {"free-form numbers take exponents and commas", "1.5E-03,-2 , 3 4", 2,
        [](const AppState& st) {
-         EXPECT_EQ(st.AuPat[2], 0.0015);
-         EXPECT_EQ(st.BuPat[2], -2.0);
-         EXPECT_EQ(st.DuPat[2], 4.0);
+         EXPECT_EQ(std::tie(st.AuPat[2], st.BuPat[2], st.DuPat[2]), std::make_tuple(0.0015, -2.0, 4.0));
        }},
       {"a bad number keeps its field", "0.5 abc 0 7", 3,
        [&](const AppState& st) {
-         EXPECT_EQ(st.AvPat[2], 0.5);
-         EXPECT_EQ(st.BvPat[2], before.v[1]);
-         EXPECT_EQ(st.DvPat[2], 7.0);
+         EXPECT_EQ(std::tie(st.AvPat[2], st.BvPat[2], st.DvPat[2]), std::make_tuple(0.5, before.v[1], 7.0));
        }},
   };
   for (const Case& c : cases) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "engine_fixture.h"
 #include "formats/datafile.h"
@@ -27,8 +28,7 @@ TEST(DataFile, SavedAndReadBackGivesTheSameGridStartPointsAndWalk) {
   for (testing::EngineWindow* window : {&w, &r}) {
     window->s.LastDir = w.dir.Path();
     window->s.ResizeSequence(1);
-    window->s.DataFileName[1] = "pair.don";
-    window->s.DataFilePath[1] = w.dir.File("pair.don");
+    std::tie(window->s.DataFileName[1], window->s.DataFilePath[1]) = std::tuple("pair.don", w.dir.File("pair.don"));
     window->form.Controls().SetText("Text1", "pair.don");
   }
   ASSERT_TRUE(SauveDonArea(w.form, 1));
@@ -38,11 +38,8 @@ TEST(DataFile, SavedAndReadBackGivesTheSameGridStartPointsAndWalk) {
   EXPECT_TRUE(std::equal(w.s.XPat.begin() + 1, w.s.XPat.begin() + end, r.s.XPat.begin() + 1));
   EXPECT_TRUE(std::equal(w.s.YPat.begin() + 1, w.s.YPat.begin() + end, r.s.YPat.begin() + 1));
   ASSERT_EQ(r.s.NbStart, 2);
-  EXPECT_EQ(r.s.XStart, w.s.XStart);
-  EXPECT_EQ(r.s.DvStart, w.s.DvStart);
-  EXPECT_EQ(r.s.StartOk, w.s.StartOk);
-  EXPECT_EQ(r.Engine().walk.PropagDone, -1);
-  EXPECT_EQ(r.Engine().walk.FoundPat, w.Engine().walk.FoundPat);
+  EXPECT_EQ(std::tie(r.s.XStart, r.s.DvStart, r.s.StartOk), std::tie(w.s.XStart, w.s.DvStart, w.s.StartOk));
+  EXPECT_EQ(std::tuple(r.Engine().walk.PropagDone, r.Engine().walk.FoundPat), std::tuple(-1, w.Engine().walk.FoundPat));
 }
 
 }  // namespace

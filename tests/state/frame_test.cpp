@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "state/keyfile.h"
 #include "support/tempdir.h"
 #include "ui/scriptedui.h"
@@ -36,35 +38,25 @@ TEST_F(FrameFixture, StartReadsTheConfiguration) {
   EXPECT_EQ(s.IniPath, dir.File("correl.ini"));
   EXPECT_EQ(s.LastDir, "/data/tests");
   EXPECT_EQ(s.ExePath, "tessiva-solver");
-  EXPECT_TRUE(s.ClfMode);
-  EXPECT_DOUBLE_EQ(s.Pi, 3.14159265358979323846);
   EXPECT_EQ(frameControls.Text("Label1"), std::string(" ") + kStartMessage);
   const ControlState& bounds = frameControls.Get("MDIForm1");
-  EXPECT_EQ(bounds.left, 560);
-  EXPECT_EQ(bounds.top, 240);
-  EXPECT_EQ(bounds.width, 800);
-  EXPECT_EQ(bounds.height, 600);
+  EXPECT_EQ(std::tie(bounds.left, bounds.top, bounds.width, bounds.height), std::make_tuple(560, 240, 800, 600));
   EXPECT_TRUE(frameControls.Visible("Pub"));
   EXPECT_FALSE(AnyToolShown());
 }
 
-TEST_F(FrameFixture, ClfModeIsOnUnlessTheKeySaysZero) {
-  const std::pair<const char*, bool> cases[] = {
-      {"", true}, {"[CLFSEC]\nCLF=0\n", false}, {"[CLFSEC]\nCLF=1\n", true}, {"[CLFSEC]\nCLF=-1\n", true}};
-  for (auto [section, clf] : cases) {
-    ASSERT_TRUE(Start(std::string("[PATH]\nExePath=s\n") + section));
-    EXPECT_EQ(s.ClfMode, clf) << section;
-  }
-}
-
-TEST_F(FrameFixture, LastDirFallsBackToTheStartDirectory) {
-  const std::pair<const char*, bool> cases[] = {
-      {"[PATH]\nExePath=s\n", true},
-      {"[PATH]\nExePath=s\nLastDir=not found\n", true},
-      {"[PATH]\nExePath=s\nLastDir=/no/such/dir\n", false},
+// Forming-limit mode is on unless its key says 0; LastDir falls back to the
+// start directory only when the key is missing or reads "not found".
+TEST_F(FrameFixture, ClfModeAndLastDirDefaults) {
+  const std::tuple<const char*, bool, bool> cases[] = {
+      {"", true, true},
+      {"[CLFSEC]\nCLF=0\n", false, true},
+      {"LastDir=not found\n[CLFSEC]\nCLF=-1\n", true, true},
+      {"LastDir=/no/such/dir\n[CLFSEC]\nCLF=1\n", true, false},
   };
-  for (auto [ini, fallsBack] : cases) {
-    ASSERT_TRUE(Start(ini));
+  for (auto [ini, clf, fallsBack] : cases) {
+    ASSERT_TRUE(Start(std::string("[PATH]\nExePath=s\n") + ini));
+    EXPECT_EQ(s.ClfMode, clf) << ini;
     EXPECT_EQ(s.LastDir, fallsBack ? dir.Path() : "/no/such/dir") << ini;
   }
 }
@@ -80,25 +72,22 @@ TEST_F(FrameFixture, StartEndsWithoutExePath) {
   EXPECT_FALSE(frame.Load(dir.File("missing-dir"), 1920, 1080)) << "a start without correl.ini ends too";
 }
 
-TEST_F(FrameFixture, CancelledAnalyseLeavesTheFrameEmpty) {
+// A cancelled dialog leaves the frame empty and correl.ini as it was; a chosen
+// result opens the analysis and its directory is remembered.
+TEST_F(FrameFixture, AnalyseOpensTheChosenResultAndRemembersItsDirectory) {
   ASSERT_TRUE(Start("[PATH]\nExePath=s\nLastDir=/data\n"));
   const std::string iniBefore = dir.Read("correl.ini");
   frameControls.SetVisible("ManageJobs", true);
   frame.OnCommand1(MDIForm1::kAnalyse);
   ASSERT_EQ(ui.dialogRequests.size(), 1u);
-  const FileDialogRequest& request = ui.dialogRequests[0];
-  EXPECT_EQ(request.initialDir, "/data");
-  EXPECT_EQ(request.defaultExt, "res");
-  EXPECT_EQ(request.filter, "Data|*.res|Sequence|*.seq");
-  EXPECT_EQ(request.title, "Reading result file or sequence file");
+  const FileDialogRequest& r = ui.dialogRequests[0];
+  EXPECT_EQ(std::tie(r.initialDir, r.defaultExt, r.filter, r.title),
+            std::make_tuple("/data", "res", "Data|*.res|Sequence|*.seq", "Reading result file or sequence file"));
   EXPECT_FALSE(s.AnalyseOpen);
   EXPECT_FALSE(AnyToolShown());
   EXPECT_EQ(s.LastDir, "/data");
   EXPECT_EQ(dir.Read("correl.ini"), iniBefore);
-}
 
-TEST_F(FrameFixture, ChosenResultOpensTheAnalysisAndRemembersItsDirectory) {
-  ASSERT_TRUE(Start("[PATH]\nExePath=s\nLastDir=/data\n"));
   ui.dialogAnswers.push_back({"/tests/run 1/a-b.res", "a-b.res"});
   frame.OnCommand1(MDIForm1::kAnalyse);
   EXPECT_TRUE(s.AnalyseOpen);
@@ -161,13 +150,8 @@ TEST_F(FrameFixture, ResizeKeepsTheMinimumSizeAndFillsTheClientWithTheOpenTool) 
 TEST_F(FrameFixture, FormingLimitCurveWidensTheDiagramBounds) {
   ASSERT_TRUE(Start("[PATH]\nExePath=s\n[CLFSEC]\nNUMBER=3\nX1=-40\nY1=60\nX2=0\nY2=30\nX3=20\nY3=-20\n"));
   ReadFormingLimitCurve(s);
-  EXPECT_EQ(s.ClfNumber, 3);
-  EXPECT_EQ(s.ClfX[1], -40);
-  EXPECT_EQ(s.ClfY[3], -20);
-  EXPECT_EQ(s.ClfXMin, -40);
-  EXPECT_EQ(s.ClfXMax, 20);
-  EXPECT_EQ(s.ClfYMin, -20);
-  EXPECT_EQ(s.ClfYMax, 60);
+  EXPECT_EQ(std::tie(s.ClfNumber, s.ClfX[1], s.ClfY[3]), std::make_tuple(3, -40, -20));
+  EXPECT_EQ(std::tie(s.ClfXMin, s.ClfXMax, s.ClfYMin, s.ClfYMax), std::make_tuple(-40, 20, -20, 60));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 
 #include "support/tempdir.h"
@@ -20,6 +21,8 @@ const std::string kSample =
     "  neg= -012\n"
     "  pos= 012\n"
     "  word=abc\n"
+    "  big=99999999999999999999\n"
+    "  small=-99999999999999999999\n"
     "  text=  hello world  \n"
     "; commented=1\n"
     "  long=" + std::string(200, 'x') + "\n"
@@ -51,7 +54,7 @@ TEST(KeyFileRead, TextValuesFollowTheBufferAndDefaultRules) {
   EXPECT_EQ(GetPrivateProfileStringA("Parameters", "Lgrid", "d", 2, file), "1");
 }
 
-TEST(KeyFileRead, IntegersParseTheLeadingDigitsOnly) {
+TEST(KeyFileRead, IntegersParseTheLeadingDigitsOnlyAndSaturate) {
   TempDir dir;
   const std::string file = dir.Write("a.ini", kSample);
   struct Case {
@@ -60,34 +63,23 @@ TEST(KeyFileRead, IntegersParseTheLeadingDigitsOnly) {
   };
   const Case cases[] = {
       {"Lgrid", 10}, {"Lima", 512}, {"empty", 0}, {"neg", -12}, {"pos", 12}, {"word", 0}, {"missing", 77},
+      {"big", std::numeric_limits<int32_t>::max()}, {"small", std::numeric_limits<int32_t>::min()},
   };
   for (const Case& c : cases) EXPECT_EQ(GetPrivateProfileIntA("Parameters", c.key, 77, file), c.value) << c.key;
   EXPECT_EQ(GetPrivateProfileIntA("Parameters", "Lgrid", -2, dir.File("absent.ini")), -2);
 }
 
-TEST(KeyFileRead, HugeIntegersSaturate) {
+// A key is replaced where it stands, added after the last line of its section
+// or in a new section at the end, with the line ends the file already has.
+TEST(KeyFileWrite, ReplacesOrAddsAndKeepsEveryOtherLine) {
   TempDir dir;
-  const std::string file = dir.Write("a.ini", "[s]\nbig=99999999999999999999\nsmall=-99999999999999999999\n");
-  EXPECT_EQ(GetPrivateProfileIntA("s", "big", 0, file), std::numeric_limits<int32_t>::max());
-  EXPECT_EQ(GetPrivateProfileIntA("s", "small", 0, file), std::numeric_limits<int32_t>::min());
-}
-
-TEST(KeyFileWrite, ReplacesInPlaceAndKeepsEveryOtherLine) {
-  TempDir dir;
-  const std::string original = "; keep me\r\n[PATH]\r\n  LastDir=C:\\old \xE9t\xE9\r\n  ExePath=solver\r\n\r\n[AOI]\r\n  NAME1=a\r\n";
-  const std::string file = dir.Write("correl.ini", original);
+  const std::string file = dir.Write(
+      "correl.ini", "; keep me\r\n[PATH]\r\n  LastDir=C:\\old \xE9t\xE9\r\n  ExePath=solver\r\n\r\n[AOI]\r\n  NAME1=a\r\n");
   ASSERT_TRUE(WritePrivateProfileStringA("path", "lastdir", "/data/new", file));
-  EXPECT_EQ(dir.Read("correl.ini"),
-            "; keep me\r\n[PATH]\r\nlastdir=/data/new\r\n  ExePath=solver\r\n\r\n[AOI]\r\n  NAME1=a\r\n");
-}
-
-TEST(KeyFileWrite, AddsMissingKeysAndSections) {
-  TempDir dir;
-  const std::string file = dir.Write("correl.ini", "[PATH]\n  ExePath=solver\n\n[AOI]\n  NAME1=a\n");
-  ASSERT_TRUE(WritePrivateProfileStringA("PATH", "LastDir", "/x", file));
+  ASSERT_TRUE(WritePrivateProfileStringA("PATH", "New", "/x", file));
   ASSERT_TRUE(WritePrivateProfileStringA("AOS", "NUMBEROFAOS", " 1", file));
-  EXPECT_EQ(dir.Read("correl.ini"),
-            "[PATH]\n  ExePath=solver\nLastDir=/x\n\n[AOI]\n  NAME1=a\n[AOS]\nNUMBEROFAOS= 1\n");
+  EXPECT_EQ(dir.Read("correl.ini"), "; keep me\r\n[PATH]\r\nlastdir=/data/new\r\n  ExePath=solver\r\nNew=/x\r\n\r\n[AOI]\r\n"
+                                    "  NAME1=a\r\n[AOS]\r\nNUMBEROFAOS= 1\r\n");
   ASSERT_TRUE(WritePrivateProfileStringA("new", "k", "v", dir.File("fresh.ini")));
   EXPECT_EQ(dir.Read("fresh.ini"), "[new]\nk=v\n");
 }

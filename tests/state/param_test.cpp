@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace tessiva {
 namespace {
 
@@ -38,11 +40,8 @@ TEST_F(ParamFixture, PatternSizesAreSwappedThenClampedAndShownBack) {
     fields.SetText("Text1", c.min);
     fields.SetText("Text2", c.max);
     param.ParamRead();
-    EXPECT_EQ(s.LpatMin, c.lpatMin) << c.min << "/" << c.max;
-    EXPECT_EQ(s.LpatMax, c.lpatMax) << c.min << "/" << c.max;
-    EXPECT_EQ(fields.Text("Text1"), c.shownMin);
-    EXPECT_EQ(fields.Text("Text2"), c.shownMax);
-    EXPECT_EQ(s.Lpat, s.LpatMin);
+    EXPECT_EQ(std::tie(s.LpatMin, s.LpatMax, s.Lpat), std::tie(c.lpatMin, c.lpatMax, c.lpatMin)) << c.min << c.max;
+    EXPECT_EQ(std::tie(fields.Text("Text1"), fields.Text("Text2")), std::tie(c.shownMin, c.shownMax)) << c.min;
   }
 }
 
@@ -66,9 +65,7 @@ TEST_F(ParamFixture, GridStepIsRoundedClampedAndGivesAnEvenStep) {
     FillDefaults();
     fields.SetText("Text3", c.text);
     param.ParamRead();
-    EXPECT_EQ(s.Lgrid, c.lgrid) << c.text;
-    EXPECT_EQ(s.Lpas, c.lpas) << c.text;
-    EXPECT_EQ(s.LgridBy4, 4 * c.lgrid) << c.text;
+    EXPECT_EQ(std::tie(s.Lgrid, s.Lpas, s.LgridBy4), std::make_tuple(c.lgrid, c.lpas, 4 * c.lgrid)) << c.text;
   }
 }
 
@@ -79,36 +76,20 @@ TEST_F(ParamFixture, OptionsAndMaterialAreRead) {
   fields.SetChecked("Check1", true);
   fields.SetText("TextYoung", "");
   param.ParamRead();
-  EXPECT_EQ(s.Interpolation, 0);
-  EXPECT_EQ(s.Correlation, 1);
-  EXPECT_EQ(s.LargeStrain, 1);
-  EXPECT_EQ(s.Young, 0.0);
-  EXPECT_DOUBLE_EQ(s.Poisson, 0.3);
+  EXPECT_EQ(std::tie(s.Interpolation, s.Correlation, s.LargeStrain, s.Young, s.Poisson),
+            std::make_tuple(0, 1, 1, 0.0, 0.3));
 }
 
 TEST_F(ParamFixture, ShowClampsTheMembersAndTakesPrecisionFromItsField) {
-  s.LpatMin = 40;
-  s.LpatMax = 10;
-  s.Lgrid = 30;
-  s.Precision = 7;
-  s.Interpolation = 1;
-  s.Correlation = 0;
-  s.LargeStrain = 0;
-  s.Young = 70000;
-  s.Poisson = 0.33;
+  std::tie(s.LpatMin, s.LpatMax, s.Lgrid, s.Precision) = std::tuple(40, 10, 30, 7);
+  std::tie(s.Interpolation, s.Correlation, s.LargeStrain, s.Young, s.Poisson) = std::tuple(1, 0, 0, 70000.0, 0.33);
   fields.SetText("Text4", "250");
   param.ParamShow();
-  EXPECT_EQ(s.Precision, 250);
-  EXPECT_EQ(s.LpatMin, 10);
-  EXPECT_EQ(s.LpatMax, 32);
-  EXPECT_EQ(s.LpatEven, 10);
-  EXPECT_EQ(s.Lgrid, 20);
-  EXPECT_EQ(fields.Text("Text3"), " 20");
-  EXPECT_TRUE(fields.Checked("Option1(1)"));
-  EXPECT_FALSE(fields.Checked("Option1(0)"));
-  EXPECT_TRUE(fields.Checked("Option2(0)"));
-  EXPECT_EQ(fields.Text("TextYoung"), " 70000");
-  EXPECT_EQ(fields.Text("TextPoisson"), " .33");
+  EXPECT_EQ(std::tie(s.Precision, s.LpatMin, s.LpatMax, s.LpatEven, s.Lgrid), std::make_tuple(250, 10, 32, 10, 20));
+  EXPECT_EQ(std::tuple(fields.Checked("Option1(1)"), fields.Checked("Option1(0)"), fields.Checked("Option2(0)")),
+            std::tuple(true, false, true));
+  EXPECT_EQ(std::tuple(fields.Text("Text3"), fields.Text("TextYoung"), fields.Text("TextPoisson")),
+            std::tuple(" 20", " 70000", " .33"));
 }
 
 TEST_F(ParamFixture, EditedFieldsTurnYellowUntilEnterPutsThemInForce) {
@@ -149,13 +130,11 @@ TEST(AllocPat, SizesThePatternStoreFromPictureAndStep) {
   };
   for (const Case& c : cases) {
     AppState s;
-    s.Lima = c.lima;
-    s.Hima = c.hima;
-    s.Lpas = c.lpas;
+    std::tie(s.Lima, s.Hima, s.Lpas) = std::tie(c.lima, c.hima, c.lpas);
     AllocPat(s);
-    EXPECT_EQ(s.NbPatMax, c.nbPatMax) << c.lima << "x" << c.hima;
-    EXPECT_EQ(s.NbNoeudsMax, c.nbNoeudsMax) << c.lima << "x" << c.hima;
-    EXPECT_EQ(s.XPat.size(), static_cast<size_t>(c.nbPatMax) + 1);
+    EXPECT_EQ(std::tuple(s.NbPatMax, s.NbNoeudsMax, s.XPat.size()),
+              std::tuple(c.nbPatMax, c.nbNoeudsMax, static_cast<size_t>(c.nbPatMax) + 1))
+        << c.lima << "x" << c.hima;
   }
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "ui/controls.h"
 #include "ui/recordingcanvas.h"
 #include "ui/scriptedui.h"
@@ -48,16 +50,12 @@ TEST(Canvas, UserScaleMapsToScreenPixelsBothWays) {
     EXPECT_DOUBLE_EQ(canvas.ToPixelX(c.user), c.pixel);
     EXPECT_DOUBLE_EQ(canvas.ToUserX(c.pixel), c.user);
   }
-  EXPECT_DOUBLE_EQ(canvas.ToPixelY(-20), 0);
-  EXPECT_DOUBLE_EQ(canvas.ToPixelY(30), 200);
-  EXPECT_DOUBLE_EQ(canvas.ToUserY(100), 5);
+  EXPECT_EQ(std::tuple(canvas.ToPixelY(-20), canvas.ToPixelY(30), canvas.ToUserY(100)), std::tuple(0.0, 200.0, 5.0));
 }
 
 TEST(Canvas, ClassicColourTable) {
-  EXPECT_EQ(QBColor(0), 0x000000u);
-  EXPECT_EQ(QBColor(12), 0xFF0000u);
-  EXPECT_EQ(QBColor(14), 0xFFFF00u);
-  EXPECT_EQ(QBColor(15), 0xFFFFFFu);
+  EXPECT_EQ(std::tuple(QBColor(0), QBColor(12), QBColor(14), QBColor(15)),
+            std::tuple(0x000000u, 0xFF0000u, 0xFFFF00u, 0xFFFFFFu));
 }
 
 }  // namespace
