@@ -99,7 +99,7 @@ QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs) {
   auto* pub = new PubWindow(client_);
   pub->setObjectName(QStringLiteral("Pub"));
   layout->addWidget(pub, 0, 0, Qt::AlignCenter);
-  layout->addWidget(new ManageJobsWindow(jobs, client_), 0, 0);
+  layout->addWidget(new ManageJobsWindow(jobs, client_), 0, 0, Qt::AlignCenter);
   for (const NamedCaption& tool : kPendingTools) layout->addWidget(ToolPlaceholder(tool, client_), 0, 0);
   return client_;
 }

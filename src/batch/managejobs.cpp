@@ -116,13 +116,11 @@ void ManageJobs::OnNodeClick(const std::string& key) {
 void ManageJobs::AskForJobs() {
   // Start stays off while the dialog is open, and after it when it is cancelled.
   SetStartOffered(false);
-  FileDialogRequest request;
-  request.initialDir = s_.LastDir;
-  request.defaultExt = "don";
-  request.filter = "Data|*.don|Sequence|*.seq";
-  request.title = "Reading data file or sequence file";
-  request.multiSelect = true;
-  const FileDialogResult chosen = ui_.OpenFileDialog(request);
+  const FileDialogResult chosen = ui_.OpenFileDialog({.initialDir = s_.LastDir,
+                                                      .defaultExt = "don",
+                                                      .filter = "Data|*.don|Sequence|*.seq",
+                                                      .title = "Reading data file or sequence file",
+                                                      .multiSelect = true});
 
   if (chosen.FileTitle.empty()) {
     // Several names: the directory, then the names, NUL-separated.

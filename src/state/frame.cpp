@@ -98,13 +98,11 @@ void MDIForm1::OnCommand1(int index) {
 }
 
 void MDIForm1::OpenAnalyse() {
-  FileDialogRequest request;
-  request.initialDir = s_.LastDir;
-  request.defaultExt = "res";
-  request.filter = "Data|*.res|Sequence|*.seq";
-  request.title = "Reading result file or sequence file";
-  request.multiSelect = true;
-  const FileDialogResult chosen = ui_.OpenFileDialog(request);
+  const FileDialogResult chosen = ui_.OpenFileDialog({.initialDir = s_.LastDir,
+                                                      .defaultExt = "res",
+                                                      .filter = "Data|*.res|Sequence|*.seq",
+                                                      .title = "Reading result file or sequence file",
+                                                      .multiSelect = true});
   if (chosen.FileName.empty()) {
     s_.AnalyseOpen = false;
     return;
