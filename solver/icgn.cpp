@@ -144,7 +144,7 @@ SubsetResult SubsetCorrelator::Solve(int32_t cx, int32_t cy, int32_t side, const
     // The largest displacement the increment makes over the subset.
     const double du = std::fabs(dp[0]) + half * (std::fabs(dp[1]) + std::fabs(dp[2]));
     const double dv = std::fabs(dp[3]) + half * (std::fabs(dp[4]) + std::fabs(dp[5]));
-    if (std::hypot(du, dv) < settings_.tolerance) {
+    if (du * du + dv * dv < settings_.tolerance * settings_.tolerance) {
       result.converged = true;
       return result;
     }
