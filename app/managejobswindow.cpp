@@ -41,6 +41,8 @@ ManageJobsWindow::ManageJobsWindow(ManageJobs& controller, QWidget* parent)
   setFrameStyle(QFrame::Panel | QFrame::Sunken);
   setBackgroundRole(QPalette::Window);
   setAutoFillBackground(true);
+  // 10965 by 7000 twips at 15 twips a pixel; the frame centres it.
+  setFixedSize(731, 467);
   blink_.setInterval(500);
   connect(&blink_, &QTimer::timeout, this, [this] { controller_.OnTimer1(); });
   // Label1 and Command1 are also names of the frame's own controls.

@@ -28,9 +28,6 @@ class ManageJobsWindow : public QFrame {
   ManageJobsWindow(ManageJobs& controller, QWidget* parent);
   ~ManageJobsWindow() override;
 
-  // 10965 by 7000 twips at 15 twips a pixel; the frame centres it.
-  QSize sizeHint() const override { return {731, 467}; }
-
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void showEvent(QShowEvent* event) override;
