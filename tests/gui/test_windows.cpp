@@ -1,6 +1,6 @@
 // End-to-end flows through the real windows: the Analyse command with its file
 // dialog, a start-up without the solver's path, the parameters window, and the
-// job queue from its file dialog to a solver that can't be started.
+// job queue from its file dialog to the solver it starts.
 #include <QApplication>
 #include <QFile>
 #include <QFileDialog>
@@ -49,7 +49,7 @@ class WindowFlows : public QObject {
   void cancelledAnalyseLeavesTheFrameEmpty();
   void startWithoutSolverPathTellsAndFails();
   void enteredPatternSizesComeBackClamped();
-  void queuedJobIsWrittenWhenTheSolverCannotStart();
+  void queuedJobStartsTheSolverOnItsDirectory();
 };
 
 void WindowFlows::cancelledAnalyseLeavesTheFrameEmpty() {
@@ -111,9 +111,15 @@ void WindowFlows::enteredPatternSizesComeBackClamped() {
   QCOMPARE(std::make_pair(workbench.State().LpatMin, workbench.State().LpatMax), std::make_pair(10, 32));
 }
 
-void WindowFlows::queuedJobIsWrittenWhenTheSolverCannotStart() {
+void WindowFlows::queuedJobStartsTheSolverOnItsDirectory() {
   QTemporaryDir dir;
-  WriteIni(dir, kIni);  // the solver "solver" isn't in the start directory
+  WriteIni(dir, kIni);
+  // A stand-in solver beside the program that notes its arguments.
+  QFile solver(dir.filePath(QStringLiteral("solver")));
+  QVERIFY(solver.open(QIODevice::WriteOnly));
+  solver.write("#!/bin/sh\nprintf '%s|%s' \"$1\" \"$2\" > \"$1/started.part\" && mv \"$1/started.part\" \"$1/started\"\n");
+  solver.close();
+  QVERIFY(solver.setPermissions(solver.permissions() | QFileDevice::ExeOwner));
   QVERIFY(QFile(dir.filePath(QStringLiteral("job.don"))).open(QIODevice::WriteOnly));
   Workbench workbench;
   QVERIFY(workbench.Start(dir.path()));
@@ -138,11 +144,17 @@ void WindowFlows::queuedJobIsWrittenWhenTheSolverCannotStart() {
     box->button(QMessageBox::Ok)->click();
   });
   QTest::mouseClick(jobs->findChild<QPushButton*>(QStringLiteral("Command1")), Qt::LeftButton);
-  QCOMPARE(message, QStringLiteral("Can't run solver"));
+  QCOMPARE(message, QStringLiteral("solver is running"));
   QVERIFY(!jobs->isVisible());
   QFile queued(dir.filePath(QStringLiteral("entre.dat")));
   QVERIFY(queued.open(QIODevice::ReadOnly));
   QCOMPARE(queued.readAll(), QByteArray("job.don\n"));
+  // The data directory, then the program's.
+  QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(dir.filePath(QStringLiteral("started"))), 10000);
+  QFile started(dir.filePath(QStringLiteral("started")));
+  QVERIFY(started.open(QIODevice::ReadOnly));
+  const QString native = QDir::toNativeSeparators(dir.path());
+  QCOMPARE(QString::fromUtf8(started.readAll()), native + QLatin1Char('|') + native);
 }
 
 int RunWindowFlows(int argc, char** argv) {
