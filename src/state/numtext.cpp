@@ -306,29 +306,29 @@ std::string Repeat(char c, int n) { return std::string(static_cast<size_t>(std::
 
 }  // namespace
 
-std::string FormatFortran(double value, std::string_view spec) {
-  if (spec.empty()) return {};
-  const char kind = static_cast<char>(std::toupper(static_cast<unsigned char>(spec[0])));
-  const size_t dot = spec.find('.');
-  const std::string_view afterDot = dot == std::string_view::npos ? std::string_view{} : spec.substr(dot + 1);
+std::string FormatFortran(double value, std::string_view descriptor) {
+  if (descriptor.empty()) return {};
+  const char kind = static_cast<char>(std::toupper(static_cast<unsigned char>(descriptor[0])));
+  const size_t dot = descriptor.find('.');
+  const std::string_view afterDot = dot == std::string_view::npos ? std::string_view{} : descriptor.substr(dot + 1);
   if (kind == 'I') {
-    const int width = FieldWidth(spec.substr(1));
+    const int width = FieldWidth(descriptor.substr(1));
     const std::string digits = StrTrim(Int(value));
     if (static_cast<int>(digits.size()) > width) return Repeat('#', width);
     return RightAligned(digits, width);
   }
   if (kind == 'F') {
-    const int width = FieldWidth(spec.substr(1, dot == std::string_view::npos ? std::string_view::npos : dot - 1));
+    const int width = FieldWidth(descriptor.substr(1, dot == std::string_view::npos ? std::string_view::npos : dot - 1));
     const int decimals = FieldWidth(afterDot);
     const std::string half = Repeat('#', width - 1) + "0." + Repeat('0', decimals);
     return RightAligned(Format(value, half + ";-" + half), width);
   }
-  const int repeat = ClampToInt32(ValNorm(spec.substr(0, 1)));
+  const int repeat = ClampToInt32(ValNorm(descriptor.substr(0, 1)));
   const std::string_view widthText =
-      spec.size() > 2 ? spec.substr(2, dot == std::string_view::npos ? std::string_view::npos : dot - 2) : std::string_view{};
+      descriptor.size() > 2 ? descriptor.substr(2, dot == std::string_view::npos ? std::string_view::npos : dot - 2) : std::string_view{};
   const int width = FieldWidth(widthText);
   if (repeat < 1 || repeat > 9) return Repeat('#', width);
-  const char letter = spec.size() > 1 ? spec[1] : 'E';
+  const char letter = descriptor.size() > 1 ? descriptor[1] : 'E';
   const int decimals = FieldWidth(afterDot);
   const std::string exponent = "E+" + Repeat('0', repeat - 1);
   const std::string pattern = "0." + Repeat('0', decimals) + exponent + ";-0." + Repeat('0', decimals - 1) + exponent;

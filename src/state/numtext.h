@@ -48,7 +48,7 @@ std::string TodayText();
 
 // Fixed-width number text for the exports: I (integers), F (fixed point) and
 // nEw.d / nDw.d (exponent with n - 1 exponent digits) edit descriptors.
-std::string FormatFortran(double value, std::string_view spec);
+std::string FormatFortran(double value, std::string_view descriptor);
 
 enum class CompareMode { Binary, Text };
 
