@@ -94,15 +94,11 @@ bool SubsetCorrelator::SampleDeformed(int32_t cx, int32_t cy, int32_t half, cons
     return def_.Inside(cx + dx + w.u + w.ux * dx + w.uy * dy, cy + dy + w.v + w.vx * dx + w.vy * dy);
   };
   if (!corner(-half, -half) || !corner(half, -half) || !corner(-half, half) || !corner(half, half)) return false;
-  size_t k = 0;
+  const int32_t side = 2 * half + 1;
   for (int32_t dy = -half; dy <= half; ++dy) {
-    double x = cx - half + w.u + w.ux * -half + w.uy * dy;
-    double y = cy + dy + w.v + w.vx * -half + w.vy * dy;
-    for (int32_t dx = -half; dx <= half; ++dx, ++k) {
-      g_[k] = def_.Value(x, y);
-      x += 1.0 + w.ux;
-      y += w.vx;
-    }
+    const double x = cx - half + w.u + w.ux * -half + w.uy * dy;
+    const double y = cy + dy + w.v + w.vx * -half + w.vy * dy;
+    def_.ValuesAlong(x, y, 1.0 + w.ux, w.vx, side, &g_[static_cast<size_t>(dy + half) * side]);
   }
   return true;
 }

@@ -32,13 +32,19 @@ inline int32_t FloorToInt(double v) {
   return i - (v < i ? 1 : 0);
 }
 
-// Cubic B-spline weights and their derivatives for the four knots round t in [0, 1).
-void SplineWeights(double t, double w[4], double d[4]) {
+// Cubic B-spline weights for the four knots round t in [0, 1).
+void SplineValueWeights(double t, double w[4]) {
   const double t2 = t * t, t3 = t2 * t, s = 1.0 - t;
   w[0] = s * s * s / 6.0;
   w[1] = (3.0 * t3 - 6.0 * t2 + 4.0) / 6.0;
   w[2] = (-3.0 * t3 + 3.0 * t2 + 3.0 * t + 1.0) / 6.0;
   w[3] = t3 / 6.0;
+}
+
+// The same weights and their derivatives.
+void SplineWeights(double t, double w[4], double d[4]) {
+  const double s = 1.0 - t, t2 = t * t;
+  SplineValueWeights(t, w);
   d[0] = -s * s / 2.0;
   d[1] = (3.0 * t2 - 4.0 * t) / 2.0;
   d[2] = (-3.0 * t2 + 2.0 * t + 1.0) / 2.0;
@@ -89,24 +95,24 @@ Sample SampledPicture::At(double x, double y) const {
   return kind_ == Interpolant::CubicBSpline ? Spline(x, y) : Bilinear(x, y);
 }
 
-double SampledPicture::Value(double x, double y) const {
-  const int32_t x0 = FloorToInt(x), y0 = FloorToInt(y);
-  const double tx = x - x0, ty = y - y0;
+void SampledPicture::ValuesAlong(double x, double y, double stepX, double stepY, int32_t count, double* out) const {
+  // The interpolant is chosen once per row, so that each loop inlines its sampler.
   if (kind_ != Interpolant::CubicBSpline) {
-    const double* r0 = &levels_[Index(x0, y0)];
-    const double* r1 = r0 + width_;
-    const double top = r0[0] + tx * (r0[1] - r0[0]), bottom = r1[0] + tx * (r1[1] - r1[0]);
-    return top + ty * (bottom - top);
+    for (int32_t k = 0; k < count; ++k, x += stepX, y += stepY) out[k] = Bilinear(x, y).value;
+    return;
   }
-  double wx[4], wy[4], unused[4];
-  SplineWeights(tx, wx, unused);
-  SplineWeights(ty, wy, unused);
-  double value = 0.0;
-  for (int32_t j = 0; j < 4; ++j) {
-    const double* row = &coeffs_[Index(x0 - 1, y0 - 1 + j)];
-    value += wy[j] * (wx[0] * row[0] + wx[1] * row[1] + wx[2] * row[2] + wx[3] * row[3]);
+  for (int32_t k = 0; k < count; ++k, x += stepX, y += stepY) {
+    const int32_t x0 = FloorToInt(x), y0 = FloorToInt(y);
+    double wx[4], wy[4];
+    SplineValueWeights(x - x0, wx);
+    SplineValueWeights(y - y0, wy);
+    double value = 0.0;
+    for (int32_t j = 0; j < 4; ++j) {
+      const double* row = &coeffs_[Index(x0 - 1, y0 - 1 + j)];
+      value += wy[j] * (wx[0] * row[0] + wx[1] * row[1] + wx[2] * row[2] + wx[3] * row[3]);
+    }
+    out[k] = value;
   }
-  return value;
 }
 
 Sample SampledPicture::Bilinear(double x, double y) const {

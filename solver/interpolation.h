@@ -35,8 +35,10 @@ class SampledPicture {
   bool Inside(double x, double y) const;
   // Value and gradient at (x, y); the caller checks Inside first.
   Sample At(double x, double y) const;
-  // The value alone, for the warped subset of every iteration.
-  double Value(double x, double y) const;
+  // The values alone at `count` points from (x, y) on, (stepX, stepY) apart:
+  // one row of the warped subset of every iteration. The caller checks that
+  // both ends are inside.
+  void ValuesAlong(double x, double y, double stepX, double stepY, int32_t count, double* out) const;
   // Value and gradient at a whole pixel, computed once with the picture: the
   // reference subsets read them. Bilinear takes central differences there.
   Sample AtPixel(int32_t x, int32_t y) const {
