@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "managejobswindow.h"
+#include "miseendonnewindow.h"
 #include "paramwindow.h"
 #include "pubwindow.h"
 
@@ -25,7 +26,6 @@ constexpr NamedCaption kCommands[] = {
 
 // Tool windows not built yet, with the caption of the command that leads to them.
 constexpr NamedCaption kPendingTools[] = {
-    {"MiseEnDonne", "Input Data"},
     {"NewAnalyse", "Analyse"},
     {"AreaForm", "Input Data"}};
 
@@ -48,7 +48,8 @@ QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
 
 }  // namespace
 
-FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs)
+FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
+                         MiseEnDonne& input)
     : controller_(controller), controls_(controls) {
   setObjectName(QStringLiteral("MDIForm1"));
   setMinimumSize(MDIForm1::kMinWidth, MDIForm1::kMinHeight);
@@ -57,7 +58,7 @@ FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param&
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(BuildCommandBar());
-  layout->addWidget(BuildClientArea(jobs), 1);
+  layout->addWidget(BuildClientArea(jobs, input), 1);
   setCentralWidget(central);
   BuildStatusArea();
   // The parameters float over the frame, beside the tool that opens them.
@@ -88,7 +89,7 @@ QWidget* FrameWindow::BuildCommandBar() {
   return bar;
 }
 
-QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs) {
+QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input) {
   client_ = new QWidget(this);
   client_->setBackgroundRole(QPalette::Dark);
   client_->setAutoFillBackground(true);
@@ -100,6 +101,7 @@ QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs) {
   pub->setObjectName(QStringLiteral("Pub"));
   layout->addWidget(pub, 0, 0, Qt::AlignCenter);
   layout->addWidget(new ManageJobsWindow(jobs, client_), 0, 0, Qt::AlignCenter);
+  layout->addWidget(new MiseEnDonneWindow(input, client_), 0, 0, Qt::AlignCenter);
   for (const NamedCaption& tool : kPendingTools) layout->addWidget(ToolPlaceholder(tool, client_), 0, 0);
   return client_;
 }

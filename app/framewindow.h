@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "batch/managejobs.h"
+#include "batch/miseendonne.h"
 #include "registrybinding.h"
 #include "state/frame.h"
 #include "state/param.h"
@@ -18,7 +19,8 @@ class FrameWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs);
+  FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
+              MiseEnDonne& input);
   ~FrameWindow() override;
 
   // Size and place from the controller's bounds of "MDIForm1", on a screen whose
@@ -32,7 +34,7 @@ class FrameWindow : public QMainWindow {
 
  private:
   QWidget* BuildCommandBar();
-  QWidget* BuildClientArea(ManageJobs& jobs);
+  QWidget* BuildClientArea(ManageJobs& jobs, MiseEnDonne& input);
   void BuildStatusArea();
   void OnClicked(const std::string& name);
 

@@ -1,25 +1,15 @@
 #include "managejobswindow.h"
 
-#include <QApplication>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
-#include <QMouseEvent>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QStyle>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 namespace tessiva {
 namespace {
-
-// Button codes as the controller counts them: left 1, right 2, middle 4.
-int ButtonCode(Qt::MouseButtons buttons) {
-  int code = 0;
-  if (buttons & Qt::LeftButton) code |= ManageJobs::kLeftButton;
-  if (buttons & Qt::RightButton) code |= ManageJobs::kRightButton;
-  if (buttons & Qt::MiddleButton) code |= 4;
-  return code;
-}
 
 QIcon NodeIcon(int image, const QStyle* style) {
   switch (image) {
@@ -61,11 +51,7 @@ void ManageJobsWindow::BuildControls() {
   help->setWordWrap(true);
   layout->addWidget(help);
 
-  tree_ = new QTreeWidget(this);
-  tree_->setObjectName(QStringLiteral("Tree1"));
-  tree_->setHeaderHidden(true);
-  tree_->setSelectionMode(QAbstractItemView::SingleSelection);
-  tree_->viewport()->installEventFilter(this);
+  tree_ = new JobTreeView(controller_, [this](int image) { return NodeIcon(image, style()); }, this);
   layout->addWidget(tree_, 1);
 
   auto* row = new QHBoxLayout;
@@ -90,66 +76,6 @@ void ManageJobsWindow::BuildControls() {
     if (state.checked && !blink_.isActive()) blink_.start();
     if (!state.checked) blink_.stop();
   });
-  Rebuild();
-}
-
-std::string ManageJobsWindow::KeyAt(const QPoint& pos) const {
-  const QTreeWidgetItem* item = tree_->itemAt(pos);
-  return item ? FromQt(item->data(0, Qt::UserRole).toString()) : std::string();
-}
-
-bool ManageJobsWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != tree_->viewport()) return QFrame::eventFilter(watched, event);
-  const QEvent::Type type = event->type();
-  if (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease)
-    return false;
-  const auto* mouse = static_cast<QMouseEvent*>(event);
-  const QPoint pos = mouse->position().toPoint();
-  const std::string key = KeyAt(pos);
-  if (type == QEvent::MouseButtonPress) {
-    pressedKey_ = key;
-    pressedAt_ = pos;
-    moved_ = false;
-    controller_.OnTreeMouseDown(ButtonCode(mouse->button()), key);
-  } else if (type == QEvent::MouseMove) {
-    if (mouse->buttons() == Qt::NoButton) return false;
-    // A hand that trembles on a click doesn't start a drag.
-    if (!moved_ && (pos - pressedAt_).manhattanLength() < QApplication::startDragDistance()) return false;
-    moved_ = true;
-    controller_.OnTreeMouseMove(ButtonCode(mouse->buttons()));
-    if (controller_.DragRunning()) controller_.OnDragOver(key);
-  } else if (controller_.DragRunning() && mouse->button() == Qt::LeftButton) {
-    controller_.OnDragDrop();
-  } else {
-    const int button = ButtonCode(mouse->button());
-    controller_.OnTreeMouseUp(button, key);
-    if (button == ManageJobs::kLeftButton && !moved_ && !key.empty() && key == pressedKey_)
-      controller_.OnNodeClick(key);
-  }
-  Refresh();
-  return false;
-}
-
-void ManageJobsWindow::Refresh() {
-  if (controller_.Nodes() != shown_) Rebuild();
-  const auto highlight = items_.find(controller_.DropHighlight());
-  if (highlight != items_.end()) tree_->setCurrentItem(highlight->second);
-}
-
-void ManageJobsWindow::Rebuild() {
-  shown_ = controller_.Nodes();
-  tree_->clear();
-  items_.clear();
-  for (const JobNode& node : shown_) {
-    const auto parent = items_.find(node.parent);
-    auto* item = parent == items_.end() ? new QTreeWidgetItem(tree_) : new QTreeWidgetItem(parent->second);
-    item->setText(0, ToQt(node.text));
-    item->setToolTip(0, ToQt(node.tag));
-    item->setIcon(0, NodeIcon(node.image, style()));
-    item->setData(0, Qt::UserRole, ToQt(node.key));
-    items_[node.key] = item;
-  }
-  tree_->expandAll();
 }
 
 void ManageJobsWindow::showEvent(QShowEvent* event) {
@@ -157,7 +83,7 @@ void ManageJobsWindow::showEvent(QShowEvent* event) {
   // Each showing is a new load: the queue of a previous visit is gone.
   if (event->spontaneous()) return;
   controller_.Load();
-  Rebuild();
+  tree_->Rebuild();
 }
 
 void ManageJobsWindow::hideEvent(QHideEvent* event) {

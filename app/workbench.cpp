@@ -6,7 +6,7 @@
 
 namespace tessiva {
 
-Workbench::Workbench() : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_)) {
+Workbench::Workbench() : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_, input_)) {
   ui_.SetDialogParent(window_.get());
 }
 

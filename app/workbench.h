@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "batch/managejobs.h"
+#include "batch/miseendonne.h"
 #include "framewindow.h"
 #include "qtui.h"
 #include "state/appstate.h"
@@ -35,6 +36,7 @@ class Workbench {
   MDIForm1 frame_{state_, ui_};
   Param param_{state_};
   ManageJobs jobs_{state_, ui_};
+  MiseEnDonne input_{state_, ui_};
   std::unique_ptr<FrameWindow> window_;
 };
 

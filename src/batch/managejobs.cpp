@@ -25,11 +25,6 @@ constexpr const char* kTextEditor = "notepad.exe";
 constexpr const char* kTextEditor = "xdg-open";
 #endif
 
-// Sequence files, job folders and the trash can't be dragged.
-bool Draggable(std::string_view key) {
-  return !key.empty() && !key.starts_with("Se") && !key.starts_with("Ro") && !key.starts_with("Tr");
-}
-
 bool IsJob(std::string_view key) { return key.starts_with("FicSeq"); }
 
 // The result file of a data file: the path less its extension, plus ".res".
@@ -43,19 +38,9 @@ int DataFileImage(const std::string& path) {
 
 bool IsDataFileTag(const std::string& tag) { return ToLower(tag).ends_with(".don"); }
 
-// Runs an event handler so that nothing it throws leaves the controller; the
-// user is told instead.
 template <typename Handler>
 void Guarded(UiPort& ui, Handler&& handler) {
-  try {
-    handler();
-  } catch (const std::exception& e) {
-    try {
-      ui.MessageBox(std::string("Job queue: ") + e.what(), "", MsgButtons::Ok, MsgIcon::Critical);
-    } catch (...) {
-    }
-  } catch (...) {
-  }
+  GuardedEvent(ui, "Job queue", std::forward<Handler>(handler));
 }
 
 }  // namespace
@@ -63,11 +48,6 @@ void Guarded(UiPort& ui, Handler&& handler) {
 ManageJobs::ManageJobs(AppState& state, UiPort& ui) : s_(state), ui_(ui) {
   controls_.SetText("Label1", kLabel1);
   SetStartOffered(false);
-}
-
-const JobNode* ManageJobs::Find(const std::string& key) const {
-  const auto found = std::find_if(nodes_.begin(), nodes_.end(), [&](const JobNode& n) { return n.key == key; });
-  return found == nodes_.end() ? nullptr : &*found;
 }
 
 void ManageJobs::SetStartOffered(bool on) {
@@ -78,23 +58,15 @@ void ManageJobs::SetStartOffered(bool on) {
 
 void ManageJobs::Load() {
   Guarded(ui_, [&] {
-    nodes_.clear();
-    AddNode("Computer", "", "My computer", "", kComputer);
-    AddNode("Root", "Computer", "Queue of jobs", "", kQueue);
-    AddNode("Seq", "Root", "Data or Sequence File Name", "", kJobs);
-    AddNode("Trash", "Root", "Trash for file", "", kTrash);
+    tree_.Clear();
+    tree_.Add("Computer", "", "My computer", "", kComputer);
+    tree_.Add("Root", "Computer", "Queue of jobs", "", kQueue);
+    tree_.Add("Seq", "Root", "Data or Sequence File Name", "", kJobs);
+    tree_.Add("Trash", "Root", "Trash for file", "", kTrash);
     numNode_ = 0;
-    moveNode_.clear();
-    dropHighlight_.clear();
-    inDrag_ = dragRunning_ = false;
     controls_.SetText("Label1", kLabel1);
     SetStartOffered(false);
   });
-}
-
-void ManageJobs::AddNode(const std::string& key, const std::string& parent, const std::string& text,
-                         const std::string& tag, int image) {
-  nodes_.push_back({key, text, tag, image, parent});
 }
 
 std::string ManageJobs::NextKey(const std::string& prefix) {
@@ -148,7 +120,7 @@ void ManageJobs::AskForJobs() {
 void ManageJobs::AddJob(const std::string& path, const std::string& tag) {
   const std::string key = NextKey("FicSeq");
   if (!path.ends_with(".seq")) {
-    AddNode(key, "Seq", path, tag, DataFileImage(path));
+    tree_.Add(key, "Seq", path, tag, DataFileImage(path));
     return;
   }
   const std::optional<std::string> content = ReadWholeFile(path);
@@ -156,11 +128,11 @@ void ManageJobs::AddJob(const std::string& path, const std::string& tag) {
     ui_.MessageBox("Can't read the sequence file " + path, "", MsgButtons::Ok, MsgIcon::Critical);
     return;
   }
-  AddNode(key, "Seq", path, tag, kSequence);
+  tree_.Add(key, "Seq", path, tag, kSequence);
   for (const std::string& line : SplitLines(*content)) {
     const std::string name = Trim(line);
     const std::string memberPath = JoinPath(s_.LastDir, name);
-    AddNode(NextKey(key + "-"), key, memberPath, name, DataFileImage(memberPath));
+    tree_.Add(NextKey(key + "-"), key, memberPath, name, DataFileImage(memberPath));
   }
 }
 
@@ -169,41 +141,27 @@ void ManageJobs::OnTimer1() {
 }
 
 void ManageJobs::OnTreeMouseDown(int /*button*/, const std::string& keyAtPointer) {
-  Guarded(ui_, [&] { moveNode_ = Find(keyAtPointer) ? keyAtPointer : std::string(); });
+  Guarded(ui_, [&] { tree_.MouseDown(keyAtPointer); });
 }
 
 void ManageJobs::OnTreeMouseMove(int button) {
-  Guarded(ui_, [&] {
-    if (button != kLeftButton || !Draggable(moveNode_)) return;
-    inDrag_ = true;
-    dragRunning_ = true;
-  });
+  Guarded(ui_, [&] { tree_.MouseMove(button); });
 }
 
 void ManageJobs::OnDragOver(const std::string& keyAtPointer) {
-  Guarded(ui_, [&] {
-    if (dragRunning_ && inDrag_) dropHighlight_ = Find(keyAtPointer) ? keyAtPointer : std::string();
-  });
+  Guarded(ui_, [&] { tree_.DragOver(keyAtPointer); });
 }
 
 void ManageJobs::OnDragDrop() {
   Guarded(ui_, [&] {
-    if (!dragRunning_) return;
-    dragRunning_ = false;
-    if (moveNode_.starts_with("Ro") || moveNode_.starts_with("Tr")) return;
-    if (dropHighlight_.empty()) {
-      inDrag_ = false;
-      return;
-    }
-    const std::string target = std::exchange(dropHighlight_, std::string());
-    const JobNode* moved = Find(moveNode_);
-    const JobNode* onto = Find(target);
-    if (!moved || !onto || target.starts_with("Ro") || moved->text == onto->text) return;
-    if (IsJob(moveNode_) && IsJob(target)) {
-      inDrag_ = false;
-      SwapNode(moveNode_, target);
-    } else if (IsJob(moveNode_) && target.starts_with("Trash")) {
-      RemoveWithChildren(moveNode_);
+    const std::optional<std::string> target = tree_.Drop();
+    if (!target) return;
+    const std::string& moved = tree_.MoveNode();
+    if (IsJob(moved) && IsJob(*target)) {
+      tree_.EndInDrag();
+      SwapNode(moved, *target);
+    } else if (IsJob(moved) && target->starts_with("Trash")) {
+      tree_.RemoveWithChildren(moved);
     }
   });
 }
@@ -211,20 +169,12 @@ void ManageJobs::OnDragDrop() {
 // A tree without a move operation is sorted by exchanging what two nodes show:
 // keys and places stay.
 void ManageJobs::SwapNode(const std::string& a, const std::string& b) {
-  auto first = std::find_if(nodes_.begin(), nodes_.end(), [&](const JobNode& n) { return n.key == a; });
-  auto second = std::find_if(nodes_.begin(), nodes_.end(), [&](const JobNode& n) { return n.key == b; });
-  if (first == nodes_.end() || second == nodes_.end()) return;
+  JobNode* first = tree_.Find(a);
+  JobNode* second = tree_.Find(b);
+  if (!first || !second) return;
   std::swap(first->text, second->text);
   std::swap(first->tag, second->tag);
   std::swap(first->image, second->image);
-}
-
-void ManageJobs::RemoveWithChildren(const std::string& key) {
-  std::vector<std::string> doomed{key};
-  // Children always come after their parent, so one pass finds every descendant.
-  for (const JobNode& n : nodes_)
-    if (std::find(doomed.begin(), doomed.end(), n.parent) != doomed.end()) doomed.push_back(n.key);
-  std::erase_if(nodes_, [&](const JobNode& n) { return std::find(doomed.begin(), doomed.end(), n.key) != doomed.end(); });
 }
 
 void ManageJobs::OnTreeMouseUp(int button, const std::string& keyAtPointer) {
@@ -250,7 +200,7 @@ void ManageJobs::OnCommand1() {
 
 bool ManageJobs::StartSolver() {
   std::string queue;
-  for (const JobNode& n : nodes_)
+  for (const JobNode& n : tree_.Nodes())
     if (IsDataFileTag(n.tag)) queue += n.tag + "\n";
   if (queue.empty()) {
     // The solver is started all the same, on whatever entre.dat the directory holds.

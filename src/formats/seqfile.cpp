@@ -177,6 +177,14 @@ bool LecSeq(AreaForm& form) {
   }
 }
 
+bool ReadSequenceMembers(AppState& s) {
+  return ReadMemberList(s, [](const std::string& name) { return name; });
+}
+
+bool SequenceKindFromPicRef(AppState& s, UiPort& ui) {
+  return CompareMemberPictures(s, ui, "PicRef", [&s](int32_t i) { return s.DataFilePath[At(i)]; });
+}
+
 bool LecSeqResults(AppState& s, UiPort& ui, ControlRegistry& analyseControls) {
   try {
     analyseControls.SetItems("Combo4", {});

@@ -36,6 +36,15 @@ bool SauveSeq(AppState& s, const SequenceMembers& members);
 // member that can't be read.
 bool LecSeq(AreaForm& form);
 
+// The member list of FileName as LecSeq reads it: NbSeq, DataFileName and
+// DataFilePath (in LastDir). False when a sequence file can't be read.
+bool ReadSequenceMembers(AppState& s);
+// LecSeq's reference rule over the members in DataFilePath: from the
+// SeqRefChange set beforehand (1 for several members), 0 when every member
+// names the same PicRef, 1 once two neighbours differ. False, with the "not
+// right formatted" status text, at the first member without PicRef.
+bool SequenceKindFromPicRef(AppState& s, UiPort& ui);
+
 // The analysis window's member list: the result files of FileName, also shown
 // in Combo4; the kind of sequence comes from each result's PicAna.
 bool LecSeqResults(AppState& s, UiPort& ui, ControlRegistry& analyseControls);

@@ -1,6 +1,6 @@
 // End-to-end flows through the real windows: the Analyse command with its file
 // dialog, a start-up without the solver's path, the parameters window, and the
-// job queue from its file dialog to the solver it starts.
+// job queue from its file dialog to the solver it starts, and the input data tool.
 #include <QApplication>
 #include <QFile>
 #include <QFileDialog>
@@ -50,6 +50,7 @@ class WindowFlows : public QObject {
   void startWithoutSolverPathTellsAndFails();
   void enteredPatternSizesComeBackClamped();
   void queuedJobStartsTheSolverOnItsDirectory();
+  void inputDataShowsTheReferenceNode();
 };
 
 void WindowFlows::cancelledAnalyseLeavesTheFrameEmpty() {
@@ -155,6 +156,20 @@ void WindowFlows::queuedJobStartsTheSolverOnItsDirectory() {
   QVERIFY(started.open(QIODevice::ReadOnly));
   const QString native = QDir::toNativeSeparators(dir.path());
   QCOMPARE(QString::fromUtf8(started.readAll()), native + QLatin1Char('|') + native);
+}
+
+void WindowFlows::inputDataShowsTheReferenceNode() {
+  QTemporaryDir dir;
+  WriteIni(dir, kIni);
+  Workbench workbench;
+  QVERIFY(workbench.Start(dir.path()));
+  QTest::mouseClick(workbench.Window().findChild<QPushButton*>(QStringLiteral("Command1(0)")), Qt::LeftButton);
+  auto* input = workbench.Window().findChild<QWidget*>(QStringLiteral("MiseEnDonne"));
+  QVERIFY(input->isVisible());
+  QCOMPARE(input->size(), QSize(731, 299));
+  auto* tree = input->findChild<QTreeWidget*>(QStringLiteral("Tree1"));
+  QCOMPARE(tree->findItems(QStringLiteral("Reference Picture"), Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
+  QVERIFY(!input->findChild<QPushButton*>(QStringLiteral("Command1"))->isEnabled());
 }
 
 int RunWindowFlows(int argc, char** argv) {
