@@ -4,43 +4,32 @@
 // last picture chosen.
 #pragma once
 
-#include <QFrame>
-#include <QTimer>
-#include <memory>
 #include <string>
 
 #include "batch/miseendonne.h"
-#include "jobtreeview.h"
-#include "registrybinding.h"
+#include "batchpanel.h"
 
 class QLabel;
 
 namespace tessiva {
 
-class MiseEnDonneWindow : public QFrame {
+class MiseEnDonneWindow : public BatchPanel {
   Q_OBJECT
 
  public:
-  // The panel named "MiseEnDonne" in the frame's client area, its controls
-  // bound to the controller's registry.
+  // The panel named "MiseEnDonne" in the frame's client area.
   MiseEnDonneWindow(MiseEnDonne& controller, QWidget* parent);
-  ~MiseEnDonneWindow() override;
 
  protected:
-  void showEvent(QShowEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
+  void Loaded() override { ShowPreview(); }
 
  private:
-  void BuildControls();
+  QLayout* MakeSide();
   void ShowPreview();
 
   MiseEnDonne& controller_;
-  JobTreeView* tree_ = nullptr;
   QLabel* preview_ = nullptr;
   std::string previewShown_;
-  QTimer blink_;
-  std::unique_ptr<RegistryBinding> binding_;
-  int subscription_ = 0;
 };
 
 }  // namespace tessiva

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/pointer.h"
+
 namespace tessiva {
 
 bool JobTree::Begins(std::string_view key, const Prefixes& prefixes) {
@@ -49,7 +51,7 @@ void JobTree::ClearDrag() {
 void JobTree::MouseDown(const std::string& keyAtPointer) { moveNode_ = Find(keyAtPointer) ? keyAtPointer : std::string(); }
 
 void JobTree::MouseMove(int button) {
-  if (button != JobTreeEvents::kLeftButton || moveNode_.empty() || Begins(moveNode_, fixed_)) return;
+  if (button != kLeftButton || moveNode_.empty() || Begins(moveNode_, fixed_)) return;
   inDrag_ = true;
   dragRunning_ = true;
 }

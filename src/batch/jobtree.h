@@ -1,16 +1,14 @@
-// The tree shared by the batch windows (the job queue and the sequence
-// builder): nodes kept in the order they were added, and the drag sequence
-// that sorts them. Which keys are fixed is given by key prefixes; what a drop
-// does stays with each window's controller.
+// The tree of the batch windows (the job queue and the sequence builder):
+// nodes kept in the order they were added, and the drag sequence that sorts
+// them. Which keys are fixed is given by key prefixes; what a drop does stays
+// with each window's controller.
 #pragma once
 
-#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "ui/uiport.h"
 
 namespace tessiva {
 
@@ -23,24 +21,6 @@ struct JobNode {
   std::string parent;  // empty for the root
 
   bool operator==(const JobNode&) const = default;
-};
-
-// The tree events a batch window forwards from its view, with the key of the
-// node under the pointer (empty over no node) and buttons 1 (left), 2 (right).
-class JobTreeEvents {
- public:
-  static constexpr int kLeftButton = 1, kRightButton = 2;
-
-  virtual ~JobTreeEvents() = default;
-  virtual const std::vector<JobNode>& Nodes() const = 0;
-  virtual const std::string& DropHighlight() const = 0;
-  virtual bool DragRunning() const = 0;
-  virtual void OnNodeClick(const std::string& key) = 0;
-  virtual void OnTreeMouseDown(int button, const std::string& keyAtPointer) = 0;
-  virtual void OnTreeMouseMove(int button) = 0;
-  virtual void OnDragOver(const std::string& keyAtPointer) = 0;
-  virtual void OnDragDrop() = 0;
-  virtual void OnTreeMouseUp(int button, const std::string& keyAtPointer) = 0;
 };
 
 class JobTree {
@@ -88,20 +68,5 @@ class JobTree {
   bool inDrag_ = false;
   bool dragRunning_ = false;
 };
-
-// Runs a batch window's event handler so that nothing it throws leaves the
-// controller; the user is told instead, the message led by `window`.
-template <typename Handler>
-void GuardedEvent(UiPort& ui, std::string_view window, Handler&& handler) {
-  try {
-    handler();
-  } catch (const std::exception& e) {
-    try {
-      ui.MessageBox(std::string(window) + ": " + e.what(), "", MsgButtons::Ok, MsgIcon::Critical);
-    } catch (...) {
-    }
-  } catch (...) {
-  }
-}
 
 }  // namespace tessiva

@@ -1,14 +1,13 @@
 #include "batch/managejobs.h"
 
 #include <algorithm>
-#include <exception>
-#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "state/files.h"
 #include "state/frame.h"
 #include "state/numtext.h"
+#include "ui/pointer.h"
 
 namespace tessiva {
 namespace {
@@ -18,12 +17,6 @@ constexpr const char* kLabel1 =
     "to remove it. A right click opens the file in the text editor.";
 constexpr const char* kNoJob = "There is no job in Entre.dat file ";
 constexpr const char* kWarningTitle = "W A R N I N G";
-
-#ifdef _WIN32
-constexpr const char* kTextEditor = "notepad.exe";
-#else
-constexpr const char* kTextEditor = "xdg-open";
-#endif
 
 bool IsJob(std::string_view key) { return key.starts_with("FicSeq"); }
 
@@ -38,26 +31,18 @@ int DataFileImage(const std::string& path) {
 
 bool IsDataFileTag(const std::string& tag) { return ToLower(tag).ends_with(".don"); }
 
-template <typename Handler>
-void Guarded(UiPort& ui, Handler&& handler) {
-  GuardedEvent(ui, "Job queue", std::forward<Handler>(handler));
-}
-
 }  // namespace
 
-ManageJobs::ManageJobs(AppState& state, UiPort& ui) : s_(state), ui_(ui) {
+ManageJobs::ManageJobs(AppState& state, UiPort& ui)
+    // Sequence files, job folders and the trash can't be dragged; only the
+    // queue's root refuses a drop.
+    : BatchWindow(ui, "Job queue", JobTree({"Se", "Ro", "Tr"}, {"Ro", "Tr"}, {"Ro"})), s_(state) {
   controls_.SetText("Label1", kLabel1);
   SetStartOffered(false);
 }
 
-void ManageJobs::SetStartOffered(bool on) {
-  controls_.SetEnabled("Command1", on);
-  controls_.SetChecked("Timer1", on);
-  controls_.SetVisible("FlashInfo", on);
-}
-
 void ManageJobs::Load() {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     tree_.Clear();
     tree_.Add("Computer", "", "My computer", "", kComputer);
     tree_.Add("Root", "Computer", "Queue of jobs", "", kQueue);
@@ -75,7 +60,7 @@ std::string ManageJobs::NextKey(const std::string& prefix) {
 }
 
 void ManageJobs::OnNodeClick(const std::string& key) {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     if (key == "Computer" || key == "Trash" || !Find(key)) return;
     if (key == "Root" || key == "Seq") {
       AskForJobs();
@@ -136,34 +121,13 @@ void ManageJobs::AddJob(const std::string& path, const std::string& tag) {
   }
 }
 
-void ManageJobs::OnTimer1() {
-  Guarded(ui_, [&] { controls_.SetVisible("FlashInfo", !controls_.Visible("FlashInfo")); });
-}
-
-void ManageJobs::OnTreeMouseDown(int /*button*/, const std::string& keyAtPointer) {
-  Guarded(ui_, [&] { tree_.MouseDown(keyAtPointer); });
-}
-
-void ManageJobs::OnTreeMouseMove(int button) {
-  Guarded(ui_, [&] { tree_.MouseMove(button); });
-}
-
-void ManageJobs::OnDragOver(const std::string& keyAtPointer) {
-  Guarded(ui_, [&] { tree_.DragOver(keyAtPointer); });
-}
-
-void ManageJobs::OnDragDrop() {
-  Guarded(ui_, [&] {
-    const std::optional<std::string> target = tree_.Drop();
-    if (!target) return;
-    const std::string& moved = tree_.MoveNode();
-    if (IsJob(moved) && IsJob(*target)) {
-      tree_.EndInDrag();
-      SwapNode(moved, *target);
-    } else if (IsJob(moved) && target->starts_with("Trash")) {
-      tree_.RemoveWithChildren(moved);
-    }
-  });
+void ManageJobs::Dropped(const std::string& moved, const std::string& target) {
+  if (IsJob(moved) && IsJob(target)) {
+    tree_.EndInDrag();
+    SwapNode(moved, target);
+  } else if (IsJob(moved) && target.starts_with("Trash")) {
+    tree_.RemoveWithChildren(moved);
+  }
 }
 
 // A tree without a move operation is sorted by exchanging what two nodes show:
@@ -178,21 +142,15 @@ void ManageJobs::SwapNode(const std::string& a, const std::string& b) {
 }
 
 void ManageJobs::OnTreeMouseUp(int button, const std::string& keyAtPointer) {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     if (button != kRightButton) return;
     const JobNode* node = Find(keyAtPointer);
-    const std::string text = node ? node->text : std::string();
-#ifdef _WIN32
-    ui_.StartProcess(kTextEditor, text.empty() ? std::vector<std::string>{} : std::vector<std::string>{text});
-#else
-    // xdg-open has nothing to open without a file.
-    if (!text.empty()) ui_.StartProcess(kTextEditor, {text});
-#endif
+    OpenInTextEditor(node ? node->text : std::string());
   });
 }
 
 void ManageJobs::OnCommand1() {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     if (!StartSolver()) ui_.MessageBox("Can't run " + s_.ExePath, "", MsgButtons::Ok, MsgIcon::None);
     ui_.Frame().SetVisible("ManageJobs", false);
   });

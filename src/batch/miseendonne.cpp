@@ -1,6 +1,5 @@
 #include "batch/miseendonne.h"
 
-#include <exception>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -28,22 +27,11 @@ constexpr const char* kHelpSort = "Drag and drop picture node to sort the sequen
 constexpr const char* kSameDirectory =
     "Error, The deformed and the reference\npictures must be in the same directory";
 
-#ifdef _WIN32
-constexpr const char* kTextEditor = "notepad.exe";
-#else
-constexpr const char* kTextEditor = "xdg-open";
-#endif
-
 // A picture's or file's name less its last four characters (its extension).
 std::string Stem(const std::string& name) { return name.size() < 4 ? std::string() : name.substr(0, name.size() - 4); }
 
 bool IsDeformed(std::string_view key) { return key.starts_with("FicDef"); }
 std::string DeformedKey(int i) { return "FicDef" + Format(i, "0000"); }
-
-template <typename Handler>
-void Guarded(UiPort& ui, Handler&& handler) {
-  GuardedEvent(ui, "Input data", std::forward<Handler>(handler));
-}
 
 // The information lines of one member file; nothing when it has no [RELEASE] Name.
 std::optional<std::string> MemberLines(const std::string& path, const std::string& name) {
@@ -81,15 +69,11 @@ void TriBulle(std::vector<std::string>& list, size_t first) {
   }
 }
 
-MiseEnDonne::MiseEnDonne(AppState& state, UiPort& ui) : s_(state), ui_(ui) {
+// The pictures can be dragged; the folders and the file's node are fixed.
+MiseEnDonne::MiseEnDonne(AppState& state, UiPort& ui)
+    : BatchWindow(ui, "Input data", JobTree({"Rp", "Dp", "Ro"}, {"Rp", "Dp", "Ro"}, {"Rp", "Dp", "Ro"})), s_(state) {
   Help(kHelpLoad);
   SetStartOffered(false);
-}
-
-void MiseEnDonne::SetStartOffered(bool on) {
-  controls_.SetEnabled("Command1", on);
-  controls_.SetChecked("Timer1", on);
-  controls_.SetVisible("FlashInfo", on);
 }
 
 void MiseEnDonne::EnableOptions(bool on) {
@@ -98,7 +82,7 @@ void MiseEnDonne::EnableOptions(bool on) {
 }
 
 void MiseEnDonne::Load() {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     Help(kHelpLoad);
     tree_.Clear();
     tree_.Add("Root", "", kRootText, "", kFileNode);
@@ -116,7 +100,7 @@ void MiseEnDonne::Load() {
 }
 
 void MiseEnDonne::OnNodeClick(const std::string& key) {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     if (!tree_.Find(key)) return;
     if (key.starts_with("Rp")) ChooseReference();
     else if (key.starts_with("Dp")) ChooseDeformed();
@@ -289,7 +273,7 @@ bool MiseEnDonne::ListMembers() {
 }
 
 void MiseEnDonne::OnOption1Click(int index) {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     if (index != 0 && index != 1) return;
     s_.SeqRefChange = index;
     fromFile_ = false;
@@ -299,47 +283,20 @@ void MiseEnDonne::OnOption1Click(int index) {
   });
 }
 
-void MiseEnDonne::OnTimer1() {
-  Guarded(ui_, [&] { controls_.SetVisible("FlashInfo", !controls_.Visible("FlashInfo")); });
-}
-
-void MiseEnDonne::OnTreeMouseDown(int /*button*/, const std::string& keyAtPointer) {
-  Guarded(ui_, [&] { tree_.MouseDown(keyAtPointer); });
-}
-
-void MiseEnDonne::OnTreeMouseMove(int button) {
-  Guarded(ui_, [&] { tree_.MouseMove(button); });
-}
-
-void MiseEnDonne::OnDragOver(const std::string& keyAtPointer) {
-  Guarded(ui_, [&] { tree_.DragOver(keyAtPointer); });
-}
-
-void MiseEnDonne::OnDragDrop() {
-  Guarded(ui_, [&] {
-    const std::optional<std::string> target = tree_.Drop();
-    if (!target) return;
-    const std::string& moved = tree_.MoveNode();
-    if (!IsDeformed(moved) || !IsDeformed(*target)) return;
-    tree_.EndInDrag();
-    // Keys and places stay; the pictures change places by what the nodes show.
-    JobNode& a = *tree_.Find(moved);
-    JobNode& b = *tree_.Find(*target);
-    std::swap(a.text, b.text);
-    std::swap(a.tag, b.tag);
-    const std::string last = DeformedKey(s_.NbSeq);
-    if (moved == last || *target == last) NameSequenceAfter(tree_.Find(last)->text);
-  });
+void MiseEnDonne::Dropped(const std::string& moved, const std::string& target) {
+  if (!IsDeformed(moved) || !IsDeformed(target)) return;
+  tree_.EndInDrag();
+  // Keys and places stay; the pictures change places by what the nodes show.
+  JobNode& a = *tree_.Find(moved);
+  JobNode& b = *tree_.Find(target);
+  std::swap(a.text, b.text);
+  std::swap(a.tag, b.tag);
+  const std::string last = DeformedKey(s_.NbSeq);
+  if (moved == last || target == last) NameSequenceAfter(tree_.Find(last)->text);
 }
 
 void MiseEnDonne::OnEditButton() {
-  Guarded(ui_, [&] {
-#ifndef _WIN32
-    // xdg-open has nothing to open without a file.
-    if (s_.FileName.empty()) return;
-#endif
-    ui_.StartProcess(kTextEditor, {s_.FileName});
-  });
+  Guarded([&] { OpenInTextEditor(s_.FileName); });
 }
 
 SequenceMembers MiseEnDonne::Members() const {
@@ -354,7 +311,7 @@ SequenceMembers MiseEnDonne::Members() const {
 }
 
 void MiseEnDonne::OnCommand1() {
-  Guarded(ui_, [&] {
+  Guarded([&] {
     if (!SauveSeq(s_, Members())) {
       ui_.MessageBox("Can't write " + s_.FileName, "", MsgButtons::Ok, MsgIcon::Critical);
       return;

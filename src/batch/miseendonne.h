@@ -8,10 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "batch/jobtree.h"
+#include "batch/batchwindow.h"
 #include "formats/seqfile.h"
 #include "state/appstate.h"
-#include "ui/controls.h"
 #include "ui/uiport.h"
 
 namespace tessiva {
@@ -21,20 +20,14 @@ namespace tessiva {
 // "p10" sorts before "p9".
 void TriBulle(std::vector<std::string>& list, size_t first = 0);
 
-class MiseEnDonne : public JobTreeEvents {
+class MiseEnDonne : public BatchWindow {
  public:
   enum Image { kFileNode = 1, kReferenceFolder = 2, kDeformedFolder = 3, kPicture = 4 };
 
   MiseEnDonne(AppState& state, UiPort& ui);
 
-  // "Command1" (Start, enabled), "Timer1" (checked while it runs), "FlashInfo"
-  // (visible), "Label1" (help line), "Label2" (information lines),
-  // "Option1(0)" sequential and "Option1(1)" incremental, "EditButton".
-  ControlRegistry& Controls() { return controls_; }
-  const ControlRegistry& Controls() const { return controls_; }
-
-  const std::vector<JobNode>& Nodes() const override { return tree_.Nodes(); }
-  const JobNode* Find(const std::string& key) const { return tree_.Find(key); }
+  // Besides the shared controls: "Label2" (information lines), "Option1(0)"
+  // sequential and "Option1(1)" incremental, "EditButton".
 
   // True when the sequence was opened from a file rather than built here.
   bool FromFile() const { return fromFile_; }
@@ -42,32 +35,21 @@ class MiseEnDonne : public JobTreeEvents {
   const std::string& PreviewPath() const { return previewPath_; }
 
   // The empty tree: Root and Rp, a sequential sequence, Start off.
-  void Load();
+  void Load() override;
   // Rp chooses the reference, Dp the deformed pictures, Root opens a file.
   void OnNodeClick(const std::string& key) override;
   // 0 sequential, 1 incremental.
   void OnOption1Click(int index);
-  // Blinks the marker beside Start.
-  void OnTimer1();
-
-  // Drag and drop sorts the deformed pictures; see ManageJobs for the sequence.
-  void OnTreeMouseDown(int button, const std::string& keyAtPointer) override;
-  void OnTreeMouseMove(int button) override;
-  void OnDragOver(const std::string& keyAtPointer) override;
-  void OnDragDrop() override;
-  void OnTreeMouseUp(int /*button*/, const std::string& /*keyAtPointer*/) override {}
-  const std::string& DropHighlight() const override { return tree_.DropHighlight(); }
-  bool InDrag() const { return tree_.InDrag(); }
-  bool DragRunning() const override { return tree_.DragRunning(); }
 
   // Opens FileName in the plain-text editor.
   void OnEditButton();
   // Start: writes the sequence (unless it came from a file) and shows AreaForm.
-  void OnCommand1();
+  void OnCommand1() override;
 
  private:
+  // Two deformed pictures change places; the sequence is renamed when the last one moves.
+  void Dropped(const std::string& moved, const std::string& target) override;
   void Help(const std::string& text) { controls_.SetText("Label1", text); }
-  void SetStartOffered(bool on);
   void EnableOptions(bool on);
   void AddDeformedFolder();
   void RemovePictures();
@@ -80,9 +62,6 @@ class MiseEnDonne : public JobTreeEvents {
   SequenceMembers Members() const;
 
   AppState& s_;
-  UiPort& ui_;
-  ControlRegistry controls_;
-  JobTree tree_{{"Rp", "Dp", "Ro"}, {"Rp", "Dp", "Ro"}, {"Rp", "Dp", "Ro"}};
   bool fromFile_ = false;
   std::string previewPath_;
 };
