@@ -15,10 +15,12 @@ namespace {
 
 std::string PointText(int32_t x, int32_t y) { return "(" + StrTrim(x) + ", " + StrTrim(y) + ")"; }
 
+// The area given, or the picture less its margins; the pattern size is the
+// one in force, as the parameters window keeps it within its limits.
 RectangleSetup::Corners AreaOf(const RectangleSetup& job, const AppState& s) {
   if (job.area) return *job.area;
   const int32_t width = s.PixRef.UpperX(), height = s.PixRef.UpperY();
-  const int32_t mx = std::max(job.lpatMax, width / 10), my = std::max(job.lpatMax, height / 10);
+  const int32_t mx = std::max(s.LpatMax, width / 10), my = std::max(s.LpatMax, height / 10);
   return {mx, my, width - mx, height - my};
 }
 
@@ -43,10 +45,12 @@ std::string SetUpRectangle(const RectangleSetup& job) {
   param.ParamShow();
   const auto [x1, y1, x2, y2] = AreaOf(job, s);
   const int32_t width = s.PixRef.UpperX(), height = s.PixRef.UpperY();
+  const std::string size = StrTrim(width) + " x " + StrTrim(height) + " pixels";
+  if (!job.area && (x1 >= x2 || y1 >= y2))
+    return "the picture of " + size + " is too small for patterns of " + StrTrim(s.LpatMax) + " pixels";
   if (x1 < 0 || y1 < 0 || x2 > width || y2 > height || x1 >= x2 || y1 >= y2 ||
       !StoreArea(s, {{x1, y1}, {x2, y1}, {x2, y2}, {x1, y2}, {x1, y1}}, 0))
-    return "the area " + PointText(x1, y1) + " - " + PointText(x2, y2) + " doesn't lie inside the picture of " +
-           StrTrim(width) + " x " + StrTrim(height) + " pixels";
+    return "the area " + PointText(x1, y1) + " - " + PointText(x2, y2) + " doesn't lie inside the picture of " + size;
   form.CreateRectArea();
   if (s.NbPat < 1) return "the area holds no pattern";
 

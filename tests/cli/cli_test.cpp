@@ -93,7 +93,11 @@ TEST_F(Cli, SetupWritesTheDataFileOfSyntheticPictures) {
   const Outcome outside = RunCommand({"setup", pictures, "--area", "10", "10", "300", "100"});
   EXPECT_EQ(outside.status, kFailed);
   EXPECT_NE(outside.err.find("doesn't lie inside the picture of 128 x 128 pixels"), std::string::npos) << outside.err;
-  EXPECT_FALSE(FileExists(JoinPath(pictures, "data.don")));
+  ASSERT_EQ(RunCommand({"synth", dir.File("small"), "translation", "--size", "60"}).status, kDone);
+  const Outcome small = RunCommand({"setup", dir.File("small"), "--pattern", "100", "200"});
+  EXPECT_NE(small.err.find("the picture of 60 x 60 pixels is too small for patterns of 32 pixels"), std::string::npos)
+      << small.err;
+  EXPECT_FALSE(FileExists(JoinPath(pictures, "data.don")) || FileExists(dir.File("small/data.don")));
 
   const Outcome made = RunCommand({"setup", pictures, "--data", "job.don", "--grid", "8"});
   ASSERT_EQ(made.status, kDone) << made.err;
