@@ -30,6 +30,44 @@ bool Invert6(const double a[36], double inv[36]) {
   return true;
 }
 
+// The Gauss-Newton Hessian of the first-order shape function over the subset.
+// Its entries are sums of gx gx, gx gy and gy gy times 1, dX, dY, dX^2, dX dY
+// and dY^2; summing the dX powers along each row first, then weighting the
+// row by its dY powers, takes 9 running sums a pixel instead of 21 products.
+void GaussNewtonHessian(const SampledPicture& ref, int32_t cx, int32_t cy, int32_t half, double h[36]) {
+  enum { kXX, kXY, kYY };
+  double sum[3][6] = {};  // [gradient product][1, dX, dY, dX^2, dX dY, dY^2]
+  for (int32_t dy = -half; dy <= half; ++dy) {
+    double row[3][3] = {};  // [gradient product][1, dX, dX^2]
+    for (int32_t dx = -half; dx <= half; ++dx) {
+      const Sample g = ref.AtPixel(cx + dx, cy + dy);
+      const double products[3] = {g.dx * g.dx, g.dx * g.dy, g.dy * g.dy};
+      for (int p = 0; p < 3; ++p) {
+        row[p][0] += products[p];
+        row[p][1] += products[p] * dx;
+        row[p][2] += products[p] * dx * dx;
+      }
+    }
+    for (int p = 0; p < 3; ++p) {
+      sum[p][0] += row[p][0];
+      sum[p][1] += row[p][1];
+      sum[p][2] += row[p][0] * dy;
+      sum[p][3] += row[p][2];
+      sum[p][4] += row[p][1] * dy;
+      sum[p][5] += row[p][0] * dy * dy;
+    }
+  }
+  // The monomial of each pair of parameters (u, ux, uy) or (v, vx, vy) carries.
+  static constexpr int kMonomial[3][3] = {{0, 1, 2}, {1, 3, 4}, {2, 4, 5}};
+  for (int r = 0; r < 3; ++r)
+    for (int c = 0; c < 3; ++c) {
+      const int m = kMonomial[r][c];
+      h[r * 6 + c] = sum[kXX][m];
+      h[(r + 3) * 6 + (c + 3)] = sum[kYY][m];
+      h[r * 6 + (c + 3)] = h[(c + 3) * 6 + r] = sum[kXY][m];
+    }
+}
+
 // The affine warp as a 3x3 matrix acting on (dX, dY, 1).
 struct Affine {
   double a11, a12, a13, a21, a22, a23;
@@ -78,14 +116,8 @@ bool SubsetCorrelator::PrepareReference(int32_t cx, int32_t cy, int32_t half) {
   }
   fNorm_ = std::sqrt(sq);
   if (fNorm_ < 1e-6) return false;
-  double hessian[36] = {};
-  for (k = 0; k < n; ++k) {
-    const double* j = &sd_[6 * k];
-    for (int r = 0; r < 6; ++r)
-      for (int c = r; c < 6; ++c) hessian[r * 6 + c] += j[r] * j[c];
-  }
-  for (int r = 0; r < 6; ++r)
-    for (int c = 0; c < r; ++c) hessian[r * 6 + c] = hessian[c * 6 + r];
+  double hessian[36];
+  GaussNewtonHessian(ref_, cx, cy, half, hessian);
   return Invert6(hessian, hessianInverse_);
 }
 
