@@ -40,10 +40,6 @@ std::vector<StartSeed> StartSeeds(const AppState& s) {
 
 }  // namespace
 
-std::string ResultPathOf(const std::string& dataPath) {
-  return dataPath.size() < 4 ? dataPath + ".res" : dataPath.substr(0, dataPath.size() - 4) + ".res";
-}
-
 JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, const JobOptions& options) {
   const std::string path = JoinPath(dataDir, name);
   const std::optional<std::string> dataText = ReadWholeFile(path);

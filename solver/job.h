@@ -23,7 +23,4 @@ struct JobOutcome {
 // an incremental member goes to RunIncrementalMember.
 JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, const JobOptions& options);
 
-// The result file of a data file: the same stem with ".res".
-std::string ResultPathOf(const std::string& dataPath);
-
 }  // namespace tessiva::solver

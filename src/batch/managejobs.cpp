@@ -20,13 +20,8 @@ constexpr const char* kWarningTitle = "W A R N I N G";
 
 bool IsJob(std::string_view key) { return key.starts_with("FicSeq"); }
 
-// The result file of a data file: the path less its extension, plus ".res".
-std::string ResultOf(const std::string& path) {
-  return path.substr(0, path.size() - std::min<size_t>(path.size(), 4)) + ".res";
-}
-
 int DataFileImage(const std::string& path) {
-  return FileExists(ResultOf(path)) ? ManageJobs::kHasResult : ManageJobs::kDataFile;
+  return FileExists(ResultPathOf(path)) ? ManageJobs::kHasResult : ManageJobs::kDataFile;
 }
 
 bool IsDataFileTag(const std::string& tag) { return ToLower(tag).ends_with(".don"); }

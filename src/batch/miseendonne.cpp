@@ -27,8 +27,6 @@ constexpr const char* kHelpSort = "Drag and drop picture node to sort the sequen
 constexpr const char* kSameDirectory =
     "Error, The deformed and the reference\npictures must be in the same directory";
 
-// A picture's or file's name less its last four characters (its extension).
-std::string Stem(const std::string& name) { return name.size() < 4 ? std::string() : name.substr(0, name.size() - 4); }
 
 bool IsDeformed(std::string_view key) { return key.starts_with("FicDef"); }
 std::string DeformedKey(int i) { return "FicDef" + Format(i, "0000"); }

@@ -16,9 +16,6 @@ namespace {
 
 size_t At(int32_t i) { return static_cast<size_t>(i); }
 
-// A picture's or file's name less its last four characters (its extension).
-std::string Stem(const std::string& name) { return name.size() < 4 ? std::string() : name.substr(0, name.size() - 4); }
-
 bool EndsWith(const std::string& text, std::string_view end) {
   return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
@@ -127,8 +124,6 @@ void EnableSequenceTools(ControlRegistry& c, bool enabled) {
     c.SetEnabled(name, enabled);
 }
 
-std::string ResultName(const std::string& dataFileName) { return Stem(dataFileName) + ".res"; }
-
 }  // namespace
 
 bool SauveSeq(AppState& s, const SequenceMembers& members) {
@@ -150,7 +145,7 @@ bool LecSeq(AreaForm& form) {
     ShowEndData(c, false);
     c.SetItems("Combo2", {});
     c.SetItems("List2", {});
-    if (!ReadMemberList(s, [](const std::string& name) { return name; })) {
+    if (!ReadSequenceMembers(s)) {
       form.Ui().StatusLine(NotRightFormattedMessage(s.FileName));
       return false;
     }
@@ -189,7 +184,7 @@ bool LecSeqResults(AppState& s, UiPort& ui, ControlRegistry& analyseControls) {
   try {
     analyseControls.SetItems("Combo4", {});
     EnableSequenceTools(analyseControls, false);
-    if (!ReadMemberList(s, ResultName)) {
+    if (!ReadMemberList(s, [](const std::string& name) { return ResultPathOf(name); })) {
       ui.StatusLine(NotRightFormattedMessage(s.FileName));
       return false;
     }

@@ -101,4 +101,10 @@ std::string DirectoryOf(std::string_view path) {
   return slash == std::string_view::npos ? std::string() : std::string(path.substr(0, slash));
 }
 
+std::string Stem(std::string_view name) {
+  return name.size() < 4 ? std::string() : std::string(name.substr(0, name.size() - 4));
+}
+
+std::string ResultPathOf(std::string_view dataPath) { return Stem(dataPath) + ".res"; }
+
 }  // namespace tessiva

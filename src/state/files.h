@@ -47,5 +47,10 @@ std::string JoinPath(std::string_view dir, std::string_view name);
 // The last component of a path, and the path less that component.
 std::string FileNameOf(std::string_view path);
 std::string DirectoryOf(std::string_view path);
+// A file name or path less its last four characters (".bmp", ".don"...);
+// empty when it is shorter.
+std::string Stem(std::string_view name);
+// The result file of a data file: its stem with ".res".
+std::string ResultPathOf(std::string_view dataPath);
 
 }  // namespace tessiva
