@@ -10,8 +10,8 @@
 #include "batch/managejobs.h"
 #include "batch/miseendonne.h"
 #include "registrybinding.h"
-#include "state/frame.h"
-#include "state/param.h"
+#include "frame/mdiform.h"
+#include "setup/param.h"
 
 namespace tessiva {
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "registrybinding.h"
-#include "state/param.h"
+#include "setup/param.h"
 
 namespace tessiva {
 

@@ -11,8 +11,8 @@
 #include "framewindow.h"
 #include "qtui.h"
 #include "state/appstate.h"
-#include "state/frame.h"
-#include "state/param.h"
+#include "frame/mdiform.h"
+#include "setup/param.h"
 
 namespace tessiva {
 

@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "setup/areafiles.h"
 #include "formats/datafile.h"
 #include "setup/areaform.h"
 #include "setup/picture.h"
 #include "state/files.h"
-#include "state/param.h"
+#include "setup/param.h"
 #include "ui/scriptedui.h"
 
 namespace tessiva {

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <string>
 
+#include "analysis/analysisfiles.h"
 #include "analysis/newanalyse.h"
 #include "results/resultfile.h"
 #include "state/files.h"

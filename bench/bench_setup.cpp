@@ -11,7 +11,7 @@
 #include "setup/areas.h"
 #include "setup/startsearch.h"
 #include "state/appstate.h"
-#include "state/param.h"
+#include "setup/param.h"
 #include "ui/controls.h"
 #include "ui/recordingcanvas.h"
 #include "ui/scriptedui.h"

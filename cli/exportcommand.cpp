@@ -1,3 +1,4 @@
+#include "analysis/analysisfiles.h"
 #include "exportcommand.h"
 
 #include <filesystem>
@@ -9,7 +10,7 @@
 #include "results/resultfile.h"
 #include "state/files.h"
 #include "state/numtext.h"
-#include "state/param.h"
+#include "setup/param.h"
 #include "ui/scriptedui.h"
 
 namespace tessiva::cli {

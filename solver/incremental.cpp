@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "formats/sections.h"
+#include "state/keyfile.h"
 #include "jobsetup.h"
 #include "resultwriter.h"
 #include "setup/picture.h"
@@ -23,7 +23,7 @@ struct CarriedPattern {
   Warp warp;
 };
 
-std::vector<std::string> Lines(const std::string& text) { return SplitText(text, "\n"); }
+std::vector<std::string> Lines(const std::string& text) { return SplitLines(text); }
 
 // The [RESULTS] block read back: the centre displacement of line 1 and the
 // gradient of lines 2 and 3 (the coefficients are gradients times L).
@@ -94,6 +94,8 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   const auto stub = ReadWholeFile(path);
   const auto previous = ReadWholeFile(ResolvePathNoCase(previousPath));
   if (!stub) return Failure(path + ": the data file can't be read");
+  if (ResultPathOf(path) == previousPath)
+    return Failure(path + ": its result would be written over its previous result " + previousPath);
   std::string previousHead;
   std::vector<std::string> block;
   if (!previous || !SplitResult(*previous, previousHead, block))
@@ -103,8 +105,9 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   auto job = std::make_unique<LoadedJob>();
   if (auto error = LoadJob(*job, dataDir, resultFrom)) return Failure(path + ": previous result " + *error);
   const AppState& s = job->s;
-  const SectionReader pictures("PICTURES", path);
-  const std::string refName = pictures.Text("PicRef").value_or(""), defName = pictures.Text("PicDef").value_or("");
+  const KeyFile stubKeys = KeyFile::Parse(*stub);
+  const std::string refName = stubKeys.Text("PICTURES", "PicRef").value_or("");
+  const std::string defName = stubKeys.Text("PICTURES", "PicDef").value_or("");
   AppState pair;  // loading pictures renews the pattern store, so they go to a state of their own
   pair.PicRefPath = JoinPath(dataDir, refName);
   pair.PicDefPath = JoinPath(dataDir, defName);
@@ -141,7 +144,7 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
                        p.iterations, p.side, quality});
     outcome.bad += good ? 0 : 1;
   }
-  const std::string picAna = pictures.Text("PicRefini").value_or(refName);
+  const std::string picAna = stubKeys.Text("PICTURES", "PicRefini").value_or(refName);
   if (!WriteFileAtomically(ResultPathOf(path),
                            ResultText(MemberHead(*stub, previousHead), picAna, records, s.LpatEven, s.Lpas)))
     return Failure(ResultPathOf(path) + ": the result file can't be written");

@@ -7,7 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include "formats/sections.h"
+#include "formats/content.h"
+#include "state/keyfile.h"
 #include "incremental.h"
 #include "jobsetup.h"
 #include "resultwriter.h"
@@ -17,20 +18,18 @@
 namespace tessiva::solver {
 namespace {
 
-// A start point whose displacement the setup never found.
-constexpr int32_t kUnknownDisplacement = -10000;
-
 JobOutcome Failure(std::string message) { return {false, std::move(message), 0, 0}; }
 
 // The pattern nearest to each start point whose displacement is known.
 std::vector<StartSeed> StartSeeds(const AppState& s) {
   std::vector<StartSeed> seeds;
   for (int32_t i = 1; i <= s.NbStart; ++i) {
-    if (s.DuStart[i] == kUnknownDisplacement || s.DvStart[i] == kUnknownDisplacement) continue;
+    if (s.DuStart[i] == kUnknownValue || s.DvStart[i] == kUnknownValue) continue;
     int32_t nearest = 0;
     double best = std::numeric_limits<double>::max();
+    // In floating point: a start point's coordinates come from the file and may be anything.
     for (int32_t k = 1; k <= s.NbPat; ++k) {
-      const double d = std::hypot(s.XPat[k] - s.XStart[i], s.YPat[k] - s.YStart[i]);
+      const double d = std::hypot(double{s.XPat[k]} - s.XStart[i], double{s.YPat[k]} - s.YStart[i]);
       if (d < best) best = d, nearest = k;
     }
     seeds.push_back({nearest, static_cast<double>(s.DuStart[i]), static_cast<double>(s.DvStart[i])});
@@ -40,11 +39,20 @@ std::vector<StartSeed> StartSeeds(const AppState& s) {
 
 }  // namespace
 
+bool ResultWouldOverwrite(const std::string& dataPath) {
+  // The system cuts a name at a control character, so two names that differ
+  // after one may be the same file.
+  const bool cut = std::any_of(dataPath.begin(), dataPath.end(),
+                               [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+  return cut || ResultPathOf(dataPath) == dataPath;
+}
+
 JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, const JobOptions& options) {
   const std::string path = JoinPath(dataDir, name);
   const std::optional<std::string> dataText = ReadWholeFile(path);
   if (!dataText) return Failure(path + ": the data file can't be read");
-  if (const auto resultFrom = SectionReader("INCREMENTAL", path).Text("ResultFrom"))
+  if (ResultWouldOverwrite(path)) return Failure(path + ": its result would be written over the data file itself");
+  if (const auto resultFrom = KeyFile::Parse(*dataText).Text("INCREMENTAL", "ResultFrom"))
     return RunIncrementalMember(dataDir, name, *resultFrom, options);
   auto job = std::make_unique<LoadedJob>();
   if (auto error = LoadJob(*job, dataDir, name)) return Failure(*error);
@@ -70,8 +78,7 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
     records.push_back({p.good, s.XPat[k], s.YPat[k], p.good ? p.warp : Warp{}, p.iterations, p.side, quality});
     outcome.bad += p.good ? 0 : 1;
   }
-  const SectionReader pictures("PICTURES", s.DataFile);
-  const std::string picAna = pictures.Text("PicRefini").value_or(s.PicRefName);
+  const std::string picAna = job->pictures.picRefini.value_or(s.PicRefName);
   if (!WriteFileAtomically(ResultPathOf(path), ResultText(*dataText, picAna, records, s.LpatEven, s.Lpas)))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;

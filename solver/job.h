@@ -19,6 +19,10 @@ struct JobOutcome {
   int32_t bad = 0;
 };
 
+// Whether writing the result of data file `dataPath` would replace the data
+// file itself (a .res given as data, or a name cut short by a control character).
+bool ResultWouldOverwrite(const std::string& dataPath);
+
 // Solves data file `name` of directory `dataDir` and writes its .res beside it;
 // an incremental member goes to RunIncrementalMember.
 JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, const JobOptions& options);

@@ -1,18 +1,26 @@
 #include "jobsetup.h"
 
-#include <algorithm>
-#include <filesystem>
-
 #include "formats/datafile.h"
 #include "formats/sections.h"
+#include "setup/areas.h"
+#include "setup/picture.h"
 #include "state/files.h"
+#include "state/numtext.h"
+#include "state/parameters.h"
 
 namespace tessiva::solver {
 namespace {
 
-bool PictureMissing(const std::string& path) {
-  std::error_code ec;
-  return path.empty() || !std::filesystem::is_regular_file(ResolvePathNoCase(path), ec);
+// The areas of the file and those its gauges lay, as the setup window stores them.
+void StoreAreas(const DataFileContent& content, AppState& s) {
+  ApplyOutlines(content.outlines, s);
+  for (int32_t i = 1; i <= content.gages.Count(); ++i) StoreGaugeAreas(s, content.gages.Get(i), i);
+}
+
+// Both pictures, whole: a job can't correlate what a picture doesn't hold.
+std::string ReadPicturePair(AppState& s) {
+  if (ChargePicArea(s) && !s.PixRef.Empty() && !s.PixDef.Empty()) return {};
+  return "picture " + s.PicRefPath + " or " + s.PicDefPath + " is missing or unreadable";
 }
 
 }  // namespace
@@ -20,15 +28,23 @@ bool PictureMissing(const std::string& path) {
 std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name) {
   AppState& s = job.s;
   s.LastDir = s.StartDir = dataDir;
-  s.ResizeSequence(1);
-  s.DataFileName[1] = name;
-  s.DataFilePath[1] = JoinPath(dataDir, name);
-  if (!LecDonArea(job.form, 1, false)) {
-    for (const std::string* picture : {&s.PicRefPath, &s.PicDefPath})
-      if (!picture->empty() && PictureMissing(*picture)) return name + ": picture " + *picture + " is missing or unreadable";
-    return name + ": not a readable data file";
-  }
-  if (s.NbPat == 0) return name + ": no pattern lies inside its areas";
+  s.DataFile = JoinPath(dataDir, name);
+  const std::optional<std::string> text = ReadWholeFile(s.DataFile);
+  if (!text) return name + ": the data file can't be read";
+  const Parsed<DataFileContent> content = ParseDataFile(*text);
+  if (!content) return name + ": " + content.Error().message;
+  job.pictures = content->pictures;
+  s.PicRefName = content->pictures.picRef;
+  s.PicDefName = content->pictures.picDef;
+  s.PicRefPath = JoinPath(dataDir, s.PicRefName);
+  s.PicDefPath = JoinPath(dataDir, s.PicDefName);
+  if (std::string problem = ReadPicturePair(s); !problem.empty()) return name + ": " + problem;
+  ApplyParameters(content->parameters, s);
+  ClampParameters(s);
+  if (!AllocPat(s)) return name + ": " + TooManyPatternsMessage(s);
+  StoreAreas(*content, s);
+  if (LayPatterns(s, job.grid) == 0) return name + ": no pattern lies inside its areas";
+  ApplyStartPoints(content->startPoints, s);
   return std::nullopt;
 }
 
@@ -36,9 +52,8 @@ Interpolant InterpolantOf(const AppState& s) {
   return s.Interpolation == 0 ? Interpolant::Bilinear : Interpolant::CubicBSpline;
 }
 
-FieldProblem ProblemOf(LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, int32_t threads) {
+FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, int32_t threads) {
   const AppState& s = job.s;
-  const PatternGrid& grid = job.form.Engine().grid;
   FieldProblem p;
   p.ref = &ref;
   p.def = &def;
@@ -47,14 +62,12 @@ FieldProblem ProblemOf(LoadedJob& job, const SampledPicture& ref, const SampledP
   p.neighbours.resize(p.x.size());
   for (int32_t k = 1; k <= s.NbPat; ++k) {
     const int32_t x = s.XPat[k], y = s.YPat[k], step = s.Lpas;
-    p.neighbours[k] = {grid.PatternAt(x - step, y), grid.PatternAt(x + step, y), grid.PatternAt(x, y - step),
-                       grid.PatternAt(x, y + step)};
+    p.neighbours[k] = {job.grid.PatternAt(x - step, y), job.grid.PatternAt(x + step, y),
+                       job.grid.PatternAt(x, y - step), job.grid.PatternAt(x, y + step)};
   }
   p.sideMin = s.LpatMin | 1;  // an odd side centres the subset on the pattern's pixel
   p.sideMax = s.LpatMax | 1;
-  // The setup window's parameter fields reset Precision while reading, so it comes from the file.
-  const int32_t precision = std::clamp(SectionReader("PARAMETERS", s.DataFile).Int("Precision", 100), 1, 1000);
-  p.icgn.tolerance = 1.0 / precision;
+  p.icgn.tolerance = 1.0 / s.Precision;
   p.largeStrain = s.LargeStrain != 0;
   p.threads = threads;
   return p;

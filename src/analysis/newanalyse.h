@@ -13,7 +13,7 @@
 #include "results/ranges.h"
 #include "state/appstate.h"
 #include "state/gages.h"
-#include "state/param.h"
+#include "setup/param.h"
 #include "ui/canvas.h"
 #include "ui/controls.h"
 #include "ui/uiport.h"

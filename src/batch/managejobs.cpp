@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "state/files.h"
-#include "state/frame.h"
+#include "state/settings.h"
 #include "state/numtext.h"
 #include "ui/pointer.h"
 

@@ -4,10 +4,10 @@
 #include <string_view>
 #include <utility>
 
-#include "formats/datafile.h"
 #include "formats/sections.h"
+#include "state/keyfile.h"
 #include "state/files.h"
-#include "state/frame.h"
+#include "state/settings.h"
 #include "state/keyfile.h"
 #include "state/numtext.h"
 
@@ -33,14 +33,17 @@ std::string DeformedKey(int i) { return "FicDef" + Format(i, "0000"); }
 
 // The information lines of one member file; nothing when it has no [RELEASE] Name.
 std::optional<std::string> MemberLines(const std::string& path, const std::string& name) {
-  const SectionReader release("RELEASE", path);
-  if (!release.Text("Name")) return std::nullopt;
-  std::string out = "   Date : " + std::to_string(release.Int("Date", 0));
-  if (const auto version = release.Text("Version")) out += ", " + std::string(" Version n\u00b0 ") + *version;
+  const KeyFile keys = KeyFile::Load(path);
+  if (!keys.Text("RELEASE", "Name")) return std::nullopt;
+  std::string out = "   Date : " + std::to_string(keys.Int("RELEASE", "Date", 0));
+  if (const auto version = keys.Text("RELEASE", "Version")) out += ", " + std::string(" Version n\u00b0 ") + *version;
   out += "\n";
-  out += "   Reference picture : " + ReadKeyText("PICTURES", "PicRef", path) + "\n";
-  out += "   Deformed picture  : " + ReadKeyText("PICTURES", "PicDef", path) + "\n";
-  const auto parameter = [&](const char* key) { return Str(ValNorm(ReadKeyText("PARAMETERS", key, path))); };
+  const auto text = [&](const char* section, const char* key) {
+    return keys.Text(section, key).value_or(std::string(kNotFound));
+  };
+  out += "   Reference picture : " + text("PICTURES", "PicRef") + "\n";
+  out += "   Deformed picture  : " + text("PICTURES", "PicDef") + "\n";
+  const auto parameter = [&](const char* key) { return Str(ValNorm(text("PARAMETERS", key))); };
   out += "     -> LpatMin=" + parameter("LpatMin") + "\n";
   out += "     -> Lgrid=" + parameter("Lgrid") + "\n";
   out += "     -> Interpolation  : " + parameter("Interpolation") + "\n";
@@ -248,7 +251,7 @@ void MiseEnDonne::OpenDataFile() {
 // Fills Label2 with what each member file says; false, with Label2 telling
 // which file, when a member isn't a data file.
 bool MiseEnDonne::ListMembers() {
-  if (!ReadSequenceMembers(s_)) {
+  if (!ReadSequenceMembers(s_, MemberFiles::DataFiles)) {
     controls_.SetText("Label2", NotRightFormattedMessage(s_.FileName));
     return false;
   }
@@ -267,7 +270,9 @@ bool MiseEnDonne::ListMembers() {
     info += *lines;
     controls_.SetText("Label2", info);
   }
-  return SequenceKindFromPicRef(s_, ui_);
+  const auto failed = TellSequenceKind(s_, "PicRef", [this](int32_t i) { return s_.DataFilePath[static_cast<size_t>(i)]; });
+  if (failed && !failed->empty()) ui_.StatusLine(*failed);
+  return !failed;
 }
 
 void MiseEnDonne::OnOption1Click(int index) {

@@ -2,30 +2,89 @@
 
 #include <algorithm>
 
-#include "setup/areaform.h"
-#include "state/keyfile.h"
 #include "state/numtext.h"
 
 namespace tessiva {
 namespace {
 
-// Gauge keys read only while the one before was found.
+// Gauge keys are read only while the one before was found.
 constexpr int32_t kGageTypeMissing = -1;
 constexpr int32_t kGagePointMissing = -20000;
+// A set's start-point keys read this when missing; anything above -20000 was found.
+constexpr int32_t kSetStartMissing = -100000000;
+constexpr int32_t kSetStartFoundAbove = -20000;
+// A set's vertices stop at the first -1, as do a data file's start points.
+constexpr int32_t kMinusOne = -1;
 
 size_t At(int32_t i) { return static_cast<size_t>(i); }
 
-// How many entries of a 1-based list can be written: never beyond its store.
-int32_t UsableCount(int32_t count, size_t storeSize) {
-  return std::clamp(count, 0, static_cast<int32_t>(storeSize) - 1);
+ParseError CountError(std::string_view section, std::string_view key, int32_t value, int32_t most,
+                      std::string_view what) {
+  return {"[" + std::string(section) + "] " + std::string(key) + "=" + StrTrim(value) + " is outside 0 to " +
+          StrTrim(most) + ", the " + std::string(what) + " a file may hold"};
+}
+
+bool InRange(int32_t value, int32_t low, int32_t high) { return value >= low && value <= high; }
+
+// The value of a decimal key through ValNorm, or `def` when it is missing.
+double Decimal(const KeyFile& keys, std::string_view section, std::string_view key, double def) {
+  const auto text = keys.Text(section, key);
+  return text ? ValNorm(*text) : def;
+}
+
+AreaSlot ReadSlot(const KeyFile& keys, int32_t i, FileKind kind) {
+  AreaSlot slot;
+  if (kind != FileKind::Result) {
+    slot.tag = keys.Int("OUTLINES", NumberedKey("TagBox", i), -1);
+    slot.skipped = slot.tag != 0 && slot.tag != -1;
+    if (slot.skipped) return slot;
+  }
+  slot.nbox = keys.Int("OUTLINES", NumberedKey("Nbox", i), kind == FileKind::AreaSet ? -1 : 0);
+  for (int32_t j = 1; j <= slot.nbox; ++j) {
+    if (kind == FileKind::AreaSet) {
+      const int32_t x = keys.Int("OUTLINES", NumberedKey("x", i, j), kMinusOne);
+      slot.vertices.push_back({x, std::nullopt});
+      if (x == kMinusOne) break;
+      const int32_t y = keys.Int("OUTLINES", NumberedKey("y", i, j), kMinusOne);
+      slot.vertices.back().y = y;
+      if (y == kMinusOne) break;
+      continue;
+    }
+    const int32_t x = keys.Int("OUTLINES", NumberedKey("x", i, j), kUnknownValue);
+    slot.vertices.push_back({x, std::nullopt});
+    if (x != kUnknownValue) slot.vertices.back().y = keys.Int("OUTLINES", NumberedKey("y", i, j), kUnknownValue);
+  }
+  return slot;
+}
+
+// A data or result file: a point whose x or y is missing is passed over; an
+// unknown displacement leaves it unsolved.
+StartPointEntry ReadDataStartPoint(const KeyFile& keys, int32_t i) {
+  StartPointEntry p;
+  if ((p.x = keys.Int("STARTPOINTS", NumberedKey("x", i), kMinusOne)) == kMinusOne) return p;
+  if ((p.y = keys.Int("STARTPOINTS", NumberedKey("y", i), kMinusOne)) == kMinusOne) return p;
+  p.current = StartPointEntry::Current::Take;
+  p.du = keys.Int("STARTPOINTS", NumberedKey("du", i), kUnknownValue);
+  p.dv = keys.Int("STARTPOINTS", NumberedKey("dv", i), kUnknownValue);
+  p.ok = *p.du != kUnknownValue && *p.dv != kUnknownValue;
+  return p;
+}
+
+// A set: a point is solved when both displacements are there; one without its
+// du becomes the current point unless an earlier one is.
+StartPointEntry ReadSetStartPoint(const KeyFile& keys, int32_t i) {
+  StartPointEntry p;
+  if ((p.x = keys.Int("STARTPOINTS", NumberedKey("x", i), kSetStartMissing)) <= kSetStartFoundAbove) return p;
+  if ((p.y = keys.Int("STARTPOINTS", NumberedKey("y", i), kSetStartMissing)) <= kSetStartFoundAbove) return p;
+  p.du = keys.Int("STARTPOINTS", NumberedKey("du", i), kSetStartMissing);
+  const bool duFound = *p.du > kSetStartFoundAbove;
+  p.current = duFound ? StartPointEntry::Current::Take : StartPointEntry::Current::TakeUnlessEarlier;
+  p.dv = keys.Int("STARTPOINTS", NumberedKey("dv", i), kSetStartMissing);
+  p.ok = duFound && *p.dv > kSetStartFoundAbove;
+  return p;
 }
 
 }  // namespace
-
-int32_t CheckedCount(int32_t value, int32_t low, int32_t high) {
-  if (value < low || value > high) throw FormatError();
-  return value;
-}
 
 void AppendLine(std::string& out, std::string_view line) {
   out += line;
@@ -46,22 +105,145 @@ std::string NumberedKey(std::string_view stem, int32_t i, int32_t j) {
   return NumberedKey(stem, i) + "-" + StrTrim(j);
 }
 
-int32_t SectionReader::Int(const std::string& key, int32_t def) const {
-  return GetPrivateProfileIntA(section_, key, def, file_);
+void AppendBanner(std::string& out, std::string_view version) {
+  static constexpr const char* kBanner[] = {
+      "; Tessiva RESULTS",
+      "; Tessiva Workbench",
+      "; 1 Correlation Street",
+      "; 00000 Imageville",
+      "; Tel: +00 0 00 00 00 00",
+      "; mail: support@tessiva.org  web: tessiva.org",
+      "; ",
+      "; Please report bugs to support@tessiva.org",
+  };
+  for (const char* line : kBanner) AppendLine(out, line);
+  AppendLine(out, "[RELEASE]");
+  AppendLine(out, ";Don't modify this section");
+  AppendKey(out, "name", "Tessiva");
+  AppendKey(out, "version", version);
+  AppendKey(out, "date", TodayText());
 }
 
-std::optional<std::string> SectionReader::Text(const std::string& key) const {
-  std::string value = ReadKeyText(section_, key, file_);
-  if (value == kNotFound) return std::nullopt;
-  return value;
+int32_t ReadReleaseDate(const KeyFile& keys) {
+  const int32_t date = keys.Int("RELEASE", "date", -1);
+  return date == -1 ? TodayNumber() : date;
 }
 
-void SetStartPointCount(AppState& s, int32_t count) {
-  s.NbStart = count;
-  if (At(count) >= s.XStart.size()) s.ResizeStartPoints(count);
+Parsed<PictureNames> ReadPictureNames(const KeyFile& keys) {
+  PictureNames names;
+  const auto ref = keys.Text("PICTURES", "PicRef");
+  const auto def = keys.Text("PICTURES", "PicDef");
+  if (!ref) return ParseError{"[PICTURES] names no reference picture (PicRef)"};
+  if (!def) return ParseError{"[PICTURES] names no deformed picture (PicDef)"};
+  names.picRef = *ref;
+  names.picDef = *def;
+  names.picRefini = keys.Text("PICTURES", "PicRefini");
+  names.lima = keys.Int("PICTURES", "Lima", 0);
+  names.hima = keys.Int("PICTURES", "Hima", 0);
+  return names;
 }
 
-void WriteGagesSection(std::string& out, const GageStore& gages) {
+Parameters ReadParameters(const KeyFile& keys) {
+  const Parameters d;
+  return {keys.Int("PARAMETERS", "LpatMin", d.lpatMin),         keys.Int("PARAMETERS", "LpatMax", d.lpatMax),
+          keys.Int("PARAMETERS", "Lgrid", d.lgrid),             keys.Int("PARAMETERS", "Interpolation", d.interpolation),
+          keys.Int("PARAMETERS", "Correlation", d.correlation), keys.Int("PARAMETERS", "LargeStrain", d.largeStrain),
+          keys.Int("PARAMETERS", "Precision", d.precision)};
+}
+
+Units ReadUnits(const KeyFile& keys, std::string_view defaultName) {
+  return {keys.Text("UNIT", "UnitNameX").value_or(std::string(defaultName)),
+          keys.Text("UNIT", "UnitNameY").value_or(std::string(defaultName)), Decimal(keys, "UNIT", "UnitPX", 1.0),
+          Decimal(keys, "UNIT", "UnitPY", 1.0)};
+}
+
+Parsed<std::optional<ExtraValues>> ReadExtraValues(const KeyFile& keys) {
+  const int32_t number = keys.Int("EXTRA", "number", 0);
+  if (number <= 0) return std::optional<ExtraValues>();
+  if (number > kMaxExtraValues) return CountError("EXTRA", "number", number, kMaxExtraValues, "values");
+  ExtraValues extra;
+  // The only list of the files numbered from 0; a name not found skips its value.
+  for (int32_t i = 0; i < number; ++i) {
+    const auto name = keys.Text("EXTRA", NumberedKey("name", i));
+    if (!name) continue;
+    extra.names.push_back(*name);
+    extra.values.push_back(keys.Text("EXTRA", NumberedKey("value", i)).value_or(std::string()));
+  }
+  return std::optional<ExtraValues>(std::move(extra));
+}
+
+Material ReadMaterial(const KeyFile& keys) {
+  const Material d;
+  return {Decimal(keys, "MATERIAL", "YOUNG", d.young), Decimal(keys, "MATERIAL", "POISSON", d.poisson)};
+}
+
+FormingLimitZone ReadFormingLimitZone(const KeyFile& keys) {
+  FormingLimitZone clf;
+  clf.xstrict = keys.Int("CLF", "xstrict", -1);
+  clf.ystrict = keys.Int("CLF", "ystrict", -1);
+  clf.on = clf.xstrict != -1 && clf.ystrict != -1;
+  return clf;
+}
+
+Crack ReadCrack(const KeyFile& keys) {
+  const int32_t values[] = {keys.Int("FISSURE", "XfissureDep", -1), keys.Int("FISSURE", "YfissureDep", -1),
+                            keys.Int("FISSURE", "XfissureArr", -1), keys.Int("FISSURE", "YfissureArr", -1),
+                            keys.Int("FISSURE", "RayonFissure", -1)};
+  const bool on = std::find(std::begin(values), std::end(values), -1) == std::end(values);
+  return {on, double(values[0]), double(values[1]), double(values[2]), double(values[3]), double(values[4])};
+}
+
+Parsed<Outlines> ReadOutlines(const KeyFile& keys, FileKind kind) {
+  const int32_t number = keys.Int("OUTLINES", "Number", kind == FileKind::AreaSet ? -1 : 0);
+  Outlines outlines;
+  if (kind == FileKind::AreaSet && number == -1) return outlines;
+  if (!InRange(number, 0, AppState::kMaxAreas))
+    return CountError("OUTLINES", "Number", number, AppState::kMaxAreas, "areas");
+  outlines.areas = number;
+  for (int32_t i = 1; i <= number; ++i) {
+    AreaSlot slot = ReadSlot(keys, i, kind);
+    const int32_t lowest = kind == FileKind::AreaSet ? -1 : 0;
+    if (!slot.skipped && !InRange(slot.nbox, lowest, AppState::kMaxVertices))
+      return CountError("OUTLINES", NumberedKey("Nbox", i), slot.nbox, AppState::kMaxVertices, "vertices");
+    if (slot.skipped) --outlines.areas;
+    outlines.slots.push_back(std::move(slot));
+  }
+  return outlines;
+}
+
+Parsed<StartPointList> ReadStartPoints(const KeyFile& keys, FileKind kind) {
+  const int32_t number = keys.Int("STARTPOINTS", "Number", kind == FileKind::AreaSet ? -1 : 0);
+  StartPointList list;
+  if (kind == FileKind::AreaSet && number == -1) return list;
+  if (!InRange(number, 0, AppState::kMaxStartPoints))
+    return CountError("STARTPOINTS", "Number", number, AppState::kMaxStartPoints, "start points");
+  list.number = number;
+  for (int32_t i = 1; i <= number; ++i)
+    list.points.push_back(kind == FileKind::AreaSet ? ReadSetStartPoint(keys, i) : ReadDataStartPoint(keys, i));
+  return list;
+}
+
+Parsed<GageStore> ReadGages(const KeyFile& keys) {
+  // A negative count reads no gauge; only a count beyond the store is a bad file.
+  const int32_t number = keys.Int("GAGES", "Number", 0);
+  if (number > kMaxGages) return CountError("GAGES", "Number", number, kMaxGages, "gauges");
+  GageStore gages;
+  for (int32_t i = 1; i <= number; ++i) {
+    Gage g;
+    const auto name = keys.Text("GAGES", NumberedKey("name", i));
+    if (!name) continue;
+    g.name = *name;
+    if ((g.type = keys.Int("GAGES", NumberedKey("type", i), kGageTypeMissing)) == kGageTypeMissing) continue;
+    if ((g.xdep = keys.Int("GAGES", NumberedKey("xdep", i), kGagePointMissing)) == kGagePointMissing) continue;
+    if ((g.ydep = keys.Int("GAGES", NumberedKey("ydep", i), kGagePointMissing)) == kGagePointMissing) continue;
+    if ((g.xarr = keys.Int("GAGES", NumberedKey("xarr", i), kGagePointMissing)) == kGagePointMissing) continue;
+    if ((g.yarr = keys.Int("GAGES", NumberedKey("yarr", i), kGagePointMissing)) == kGagePointMissing) continue;
+    gages.Add(std::move(g));
+  }
+  return gages;
+}
+
+void WriteGages(std::string& out, const GageStore& gages) {
   if (gages.Count() == 0) return;
   AppendLine(out, "[GAGES]");
   AppendLine(out, "; This section describes the strain gage");
@@ -78,165 +260,191 @@ void WriteGagesSection(std::string& out, const GageStore& gages) {
   }
 }
 
-void WriteOutlinesSection(std::string& out, const AppState& s, int32_t count) {
-  const int32_t areas = std::clamp(count, 0, AppState::kMaxAreas);
+void WriteOutlines(std::string& out, const Outlines& outlines) {
   AppendLine(out, "[OUTLINES]");
   AppendLine(out, "; This section describes the bounding box of the work area");
-  AppendKey(out, "Number", Format(areas, "00  "));
-  for (int32_t i = 1; i <= areas; ++i) {
-    if (s.TagBox[At(i)] != 0) AppendKey(out, NumberedKey("TagBox", i), Format(s.TagBox[At(i)], " 00 "));
-    const int32_t vertices = std::clamp(s.Nbox[At(i)], 0, AppState::kMaxVertices);
-    AppendKey(out, NumberedKey("Nbox", i), Format(vertices, " 00 "));
-    for (int32_t j = 1; j <= vertices; ++j) {
-      AppendKey(out, NumberedKey("x", i, j), Format(s.XBox[At(i)][At(j)], "0000"));
-      AppendKey(out, NumberedKey("y", i, j), Format(s.YBox[At(i)][At(j)], "0000"));
+  AppendKey(out, "Number", Format(static_cast<double>(outlines.slots.size()), "00  "));
+  for (size_t k = 0; k < outlines.slots.size(); ++k) {
+    const AreaSlot& slot = outlines.slots[k];
+    const auto i = static_cast<int32_t>(k + 1);
+    if (slot.tag != 0) AppendKey(out, NumberedKey("TagBox", i), Format(slot.tag, " 00 "));
+    AppendKey(out, NumberedKey("Nbox", i), Format(slot.nbox, " 00 "));
+    for (size_t v = 0; v < slot.vertices.size(); ++v) {
+      const auto j = static_cast<int32_t>(v + 1);
+      AppendKey(out, NumberedKey("x", i, j), Format(slot.vertices[v].x, "0000"));
+      AppendKey(out, NumberedKey("y", i, j), Format(slot.vertices[v].y.value_or(0), "0000"));
     }
   }
 }
 
-void WriteStartPointsSection(std::string& out, const AppState& s) {
-  const size_t store = std::min({s.XStart.size(), s.YStart.size(), s.DuStart.size(), s.DvStart.size()});
-  const int32_t count = UsableCount(s.NbStart, store);
+void WriteStartPoints(std::string& out, const StartPointList& list) {
   AppendLine(out, "[STARTPOINTS]");
   AppendLine(out, "; This section describes the startpoint for initial solution");
-  AppendKey(out, "Number", Format(count, "00  "));
-  for (int32_t j = 1; j <= count; ++j) {
-    AppendKey(out, NumberedKey("x", j), Format(s.XStart[At(j)], "0000  "));
-    AppendKey(out, NumberedKey("y", j), Format(s.YStart[At(j)], "0000  "));
-    AppendKey(out, NumberedKey("du", j), Format(s.DuStart[At(j)], "0000  ;-000  "));
-    AppendKey(out, NumberedKey("dv", j), Format(s.DvStart[At(j)], "0000  ;-000  "));
+  AppendKey(out, "Number", Format(static_cast<double>(list.points.size()), "00  "));
+  for (size_t k = 0; k < list.points.size(); ++k) {
+    const StartPointEntry& p = list.points[k];
+    const auto j = static_cast<int32_t>(k + 1);
+    AppendKey(out, NumberedKey("x", j), Format(p.x.value_or(0), "0000  "));
+    AppendKey(out, NumberedKey("y", j), Format(p.y.value_or(0), "0000  "));
+    AppendKey(out, NumberedKey("du", j), Format(p.du.value_or(0), "0000  ;-000  "));
+    AppendKey(out, NumberedKey("dv", j), Format(p.dv.value_or(0), "0000  ;-000  "));
   }
 }
 
-void WriteExtraSection(std::string& out, const ControlRegistry& controls) {
-  const std::vector<std::string>& names = controls.Get("Combo2").items;
-  const std::vector<std::string>& values = controls.Get("List2").items;
+void WriteExtraValues(std::string& out, const ExtraValues& extra) {
   AppendLine(out, "[EXTRA]");
-  if (names.empty()) return;
-  AppendKey(out, "Number", Str(static_cast<double>(names.size())));
-  // The only list of the file numbered from 0.
-  for (size_t i = 0; i < names.size(); ++i) {
+  if (extra.names.empty()) return;
+  AppendKey(out, "Number", Str(static_cast<double>(extra.names.size())));
+  for (size_t i = 0; i < extra.names.size(); ++i) {
     const auto n = static_cast<int32_t>(i);
-    AppendKey(out, NumberedKey("name", n), names[i]);
-    AppendKey(out, NumberedKey("value", n), i < values.size() ? values[i] : std::string());
+    AppendKey(out, NumberedKey("name", n), extra.names[i]);
+    AppendKey(out, NumberedKey("value", n), i < extra.values.size() ? extra.values[i] : std::string());
   }
 }
 
-void WriteUnitSection(std::string& out, const AppState& s) {
+void WriteUnits(std::string& out, const Units& units) {
   AppendLine(out, "[UNIT]");
-  AppendKey(out, "UnitNameX", s.UnitNameX);
-  AppendKey(out, "UnitPX", Str(s.UnitPX));
-  AppendKey(out, "UnitNameY", s.UnitNameY);
-  AppendKey(out, "UnitPY", Str(s.UnitPY));
+  AppendKey(out, "UnitNameX", units.nameX);
+  AppendKey(out, "UnitPX", Str(units.px));
+  AppendKey(out, "UnitNameY", units.nameY);
+  AppendKey(out, "UnitPY", Str(units.py));
 }
 
-void WriteMaterialSection(std::string& out, const AppState& s) {
+void WriteMaterial(std::string& out, const Material& material) {
   AppendLine(out, "[MATERIAL]");
-  AppendKey(out, "YOUNG", Str(s.Young));
-  AppendKey(out, "POISSON", Str(s.Poisson));
+  AppendKey(out, "YOUNG", Str(material.young));
+  AppendKey(out, "POISSON", Str(material.poisson));
 }
 
-void WriteClfAndFissureSections(std::string& out, const AppState& s) {
-  if (s.ClfMode) {
+void WriteFormingLimitAndCrack(std::string& out, const FormingLimitZone& clf, const Crack& crack) {
+  if (clf.on) {
     AppendLine(out, "[CLF]");
     AppendLine(out, "; This section is reserved for CLF application");
-    AppendKey(out, "xstrict", Format(s.xstrict, "0000  "));
-    AppendKey(out, "ystrict", Format(s.ystrict, "0000  "));
+    AppendKey(out, "xstrict", Format(clf.xstrict, "0000  "));
+    AppendKey(out, "ystrict", Format(clf.ystrict, "0000  "));
   }
-  if (s.FissureOn) {
+  if (crack.on) {
     AppendLine(out, "[FISSURE]");
     AppendLine(out, "; This section is reserved for KI determination");
-    AppendKey(out, "XFissureDep", Format(s.XFissureDep, "0000  "));
-    AppendKey(out, "YFissureDep", Format(s.YFissureDep, "0000  "));
-    AppendKey(out, "XFissureArr", Format(s.XFissureArr, "0000  "));
-    AppendKey(out, "YFissureArr", Format(s.YFissureArr, "0000  "));
-    AppendKey(out, "RayonFissure", Format(s.RayonFissure, "0000  "));
+    AppendKey(out, "XFissureDep", Format(crack.xDep, "0000  "));
+    AppendKey(out, "YFissureDep", Format(crack.yDep, "0000  "));
+    AppendKey(out, "XFissureArr", Format(crack.xArr, "0000  "));
+    AppendKey(out, "YFissureArr", Format(crack.yArr, "0000  "));
+    AppendKey(out, "RayonFissure", Format(crack.radius, "0000  "));
   }
 }
 
-void ReadUnitSection(AppState& s, ControlRegistry& controls, const std::string& file) {
-  const SectionReader unit("UNIT", file);
-  s.UnitNameX = unit.Text("UnitNameX").value_or("Pixel");
-  s.UnitNameY = unit.Text("UnitNameY").value_or("Pixel");
-  const auto px = unit.Text("UnitPX");
-  const auto py = unit.Text("UnitPY");
-  s.UnitPX = px ? ValNorm(*px) : 1.0;
-  s.UnitPY = py ? ValNorm(*py) : 1.0;
-  controls.SetText("UnitX", s.UnitNameX);
-  controls.SetText("UnitY", s.UnitNameY);
-  controls.SetText("UnitPixX", Str(s.UnitPX));
-  controls.SetText("UnitPixY", Str(s.UnitPY));
-}
-
-void ReadExtraSection(ControlRegistry& controls, const std::string& file) {
-  const SectionReader extra("EXTRA", file);
-  const int32_t number = extra.Int("number", 0);
-  if (number <= 0) return;
-  CheckedCount(number, 1, kMaxExtraValues);
-  std::vector<std::string> names, values;
-  for (int32_t i = 0; i < number; ++i) {
-    const auto name = extra.Text(NumberedKey("name", i));
-    if (!name) continue;
-    names.push_back(*name);
-    values.push_back(extra.Text(NumberedKey("value", i)).value_or(std::string()));
+Outlines OutlinesOf(const AppState& s, int32_t count) {
+  Outlines outlines;
+  const int32_t slots = std::clamp(count, 0, AppState::kMaxAreas);
+  for (int32_t i = 1; i <= slots; ++i) {
+    AreaSlot slot;
+    slot.tag = s.TagBox[At(i)];
+    slot.nbox = std::clamp(s.Nbox[At(i)], 0, AppState::kMaxVertices);
+    for (int32_t j = 1; j <= slot.nbox; ++j) slot.vertices.push_back({s.XBox[At(i)][At(j)], s.YBox[At(i)][At(j)]});
+    outlines.slots.push_back(std::move(slot));
   }
-  controls.SetItems("Combo2", std::move(names));
-  controls.SetItems("List2", std::move(values));
+  outlines.areas = slots;
+  return outlines;
 }
 
-void ReadMaterialSection(AppState& s, const std::string& file) {
-  const SectionReader material("MATERIAL", file);
-  const auto young = material.Text("YOUNG");
-  const auto poisson = material.Text("POISSON");
-  s.Young = young ? ValNorm(*young) : 210000.0;
-  s.Poisson = poisson ? ValNorm(*poisson) : 0.3;
+// A slot keeps, beyond what the file gives, what the store held.
+void ApplyOutlines(const Outlines& outlines, AppState& s) {
+  for (size_t k = 0; k < outlines.slots.size() && k < AppState::kMaxAreas; ++k) {
+    const AreaSlot& slot = outlines.slots[k];
+    const size_t i = k + 1;
+    s.TagBox[i] = slot.tag;
+    if (slot.skipped) continue;
+    s.Nbox[i] = slot.nbox;
+    for (size_t v = 0; v < slot.vertices.size() && v < AppState::kMaxVertices; ++v) {
+      s.XBox[i][v + 1] = slot.vertices[v].x;
+      if (slot.vertices[v].y) s.YBox[i][v + 1] = *slot.vertices[v].y;
+    }
+  }
+  s.NbBox = outlines.areas + 1;
 }
 
-void ReadClfSection(AppState& s, const std::string& file) {
-  const SectionReader clf("CLF", file);
-  s.xstrict = clf.Int("xstrict", -1);
-  s.ystrict = clf.Int("ystrict", -1);
-  s.ClfMode = s.xstrict != -1 && s.ystrict != -1;
+StartPointList StartPointsOf(const AppState& s) {
+  const size_t store = std::min({s.XStart.size(), s.YStart.size(), s.DuStart.size(), s.DvStart.size()});
+  StartPointList list;
+  list.number = std::clamp(s.NbStart, 0, static_cast<int32_t>(store) - 1);
+  for (int32_t j = 1; j <= list.number; ++j)
+    list.points.push_back({s.XStart[At(j)], s.YStart[At(j)], s.DuStart[At(j)], s.DvStart[At(j)],
+                           s.StartOk[At(j)], StartPointEntry::Current::Keep});
+  return list;
 }
 
-void ReadFissureSection(AppState& s, const std::string& file) {
-  const SectionReader fissure("FISSURE", file);
-  const int32_t values[] = {fissure.Int("XfissureDep", -1), fissure.Int("YfissureDep", -1),
-                            fissure.Int("XfissureArr", -1), fissure.Int("YfissureArr", -1),
-                            fissure.Int("RayonFissure", -1)};
-  s.XFissureDep = values[0];
-  s.YFissureDep = values[1];
-  s.XFissureArr = values[2];
-  s.YFissureArr = values[3];
-  s.RayonFissure = values[4];
-  s.FissureOn = std::find(std::begin(values), std::end(values), -1) == std::end(values);
-}
-
-void ReadGagesSection(const std::string& file, int32_t defaultNumber, GageStore& store,
-                      const std::function<void(const Gage&, int32_t number)>& added) {
-  const SectionReader gages("GAGES", file);
-  // A negative count reads no gauge, as the loop doesn't run; only a count beyond the store is a bad file.
-  const int32_t number = gages.Int("Number", defaultNumber);
-  if (number > kMaxGages) throw FormatError();
-  for (int32_t i = 1; i <= number; ++i) {
-    Gage g;
-    const auto name = gages.Text(NumberedKey("name", i));
-    if (!name) continue;
-    g.name = *name;
-    if ((g.type = gages.Int(NumberedKey("type", i), kGageTypeMissing)) == kGageTypeMissing) continue;
-    if ((g.xdep = gages.Int(NumberedKey("xdep", i), kGagePointMissing)) == kGagePointMissing) continue;
-    if ((g.ydep = gages.Int(NumberedKey("ydep", i), kGagePointMissing)) == kGagePointMissing) continue;
-    if ((g.xarr = gages.Int(NumberedKey("xarr", i), kGagePointMissing)) == kGagePointMissing) continue;
-    if ((g.yarr = gages.Int(NumberedKey("yarr", i), kGagePointMissing)) == kGagePointMissing) continue;
-    const int32_t stored = store.Add(g);
-    if (added) added(g, stored);
+// The start-point arrays grow to hold the list and never shrink: CurStart
+// outlives a clearing of the start points and stays an index into them.
+void ApplyStartPoints(const StartPointList& list, AppState& s) {
+  s.NbStart = list.number;
+  if (At(list.number) >= s.XStart.size()) s.ResizeStartPoints(list.number);
+  for (size_t k = 0; k < list.points.size(); ++k) {
+    const StartPointEntry& p = list.points[k];
+    const size_t i = k + 1;
+    if (p.x) s.XStart[i] = *p.x;
+    if (p.y) s.YStart[i] = *p.y;
+    if (p.du) s.DuStart[i] = *p.du;
+    if (p.dv) s.DvStart[i] = *p.dv;
+    if (p.ok) s.StartOk[i] = *p.ok;
+    using Current = StartPointEntry::Current;
+    const auto n = static_cast<int32_t>(i);
+    if (p.current == Current::Take || (p.current == Current::TakeUnlessEarlier && (s.CurStart == 0 || n < s.CurStart)))
+      s.CurStart = n;
   }
 }
 
-void ReadGagesIntoForm(AreaForm& form, const std::string& file, int32_t defaultNumber) {
-  ReadGagesSection(file, defaultNumber, form.Gages(), [&form](const Gage& g, int32_t number) {
-    form.CreateBoxJauge(g.xdep, g.ydep, g.xarr, g.yarr, g.type, number);
-  });
+Units UnitsOf(const AppState& s) { return {s.UnitNameX, s.UnitNameY, s.UnitPX, s.UnitPY}; }
+
+void ApplyUnits(const Units& units, AppState& s) {
+  s.UnitNameX = units.nameX;
+  s.UnitNameY = units.nameY;
+  s.UnitPX = units.px;
+  s.UnitPY = units.py;
+}
+
+Parameters ParametersOf(const AppState& s) {
+  return {s.LpatMin, s.LpatMax, s.Lgrid, s.Interpolation, s.Correlation, s.LargeStrain, s.Precision};
+}
+
+void ApplyParameters(const Parameters& p, AppState& s) {
+  s.LpatMin = p.lpatMin;
+  s.LpatMax = p.lpatMax;
+  s.Lgrid = p.lgrid;
+  s.Interpolation = p.interpolation;
+  s.Correlation = p.correlation;
+  s.LargeStrain = p.largeStrain;
+  s.Precision = p.precision;
+}
+
+void ApplyMaterial(const Material& material, AppState& s) {
+  s.Young = material.young;
+  s.Poisson = material.poisson;
+}
+
+FormingLimitZone FormingLimitZoneOf(const AppState& s) { return {s.ClfMode, s.xstrict, s.ystrict}; }
+
+void ApplyFormingLimitZone(const FormingLimitZone& clf, AppState& s) {
+  s.ClfMode = clf.on;
+  s.xstrict = clf.xstrict;
+  s.ystrict = clf.ystrict;
+}
+
+Crack CrackOf(const AppState& s) {
+  return {s.FissureOn, s.XFissureDep, s.YFissureDep, s.XFissureArr, s.YFissureArr, s.RayonFissure};
+}
+
+void ApplyCrack(const Crack& crack, AppState& s) {
+  s.FissureOn = crack.on;
+  s.XFissureDep = crack.xDep;
+  s.YFissureDep = crack.yDep;
+  s.XFissureArr = crack.xArr;
+  s.YFissureArr = crack.yArr;
+  s.RayonFissure = crack.radius;
+}
+
+std::string NotRightFormattedMessage(const std::string& path) {
+  return "This file :" + path + " is not right formatted, no data could be retrieved from this file";
 }
 
 }  // namespace tessiva

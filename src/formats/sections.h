@@ -1,34 +1,25 @@
-// The key-file sections that the data file and the area side files share:
-// writers that append their lines to a text, readers that fill the state.
-// Readers throw FormatError for a count the stores can't hold; each public
-// operation of the formats catches it at its boundary.
+// The key-file sections that the data, result and side files share: one
+// reader and one writer a section. Where the files really differ in how a
+// section is read, the reader takes the file's kind.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "formats/content.h"
 #include "state/appstate.h"
-#include "state/gages.h"
-#include "ui/controls.h"
+#include "state/keyfile.h"
 
 namespace tessiva {
 
-class AreaForm;
-
-// Bounds of the lists a file names that have no fixed store.
-inline constexpr int32_t kMaxGages = 999;
-inline constexpr int32_t kMaxExtraValues = 999;
-
-struct FormatError : std::runtime_error {
-  FormatError() : std::runtime_error("file not right formatted") {}
+// The three kinds of file that carry the shared sections.
+enum class FileKind {
+  DataFile,  // .don: the setup window's and the solver's input
+  AreaSet,   // -aoi.ini and -AOS.ini: named sets, whose missing keys read -1
+  Result,    // .res: a data file with the solver's block
 };
-
-// value when it lies in low..high, else FormatError.
-int32_t CheckedCount(int32_t value, int32_t low, int32_t high);
 
 // One line and its LF ending.
 void AppendLine(std::string& out, std::string_view line);
@@ -38,48 +29,61 @@ void AppendKey(std::string& out, std::string_view key, std::string_view value);
 std::string NumberedKey(std::string_view stem, int32_t i);
 std::string NumberedKey(std::string_view stem, int32_t i, int32_t j);
 
-// The keys of one section of one file.
-class SectionReader {
- public:
-  SectionReader(std::string section, const std::string& file) : section_(std::move(section)), file_(file) {}
-  int32_t Int(const std::string& key, int32_t def) const;
-  // The value, or nothing when the key is "not found".
-  std::optional<std::string> Text(const std::string& key) const;
+// The banner comment and [RELEASE] section every data file starts with;
+// `version` is the program's title.
+void AppendBanner(std::string& out, std::string_view version);
 
- private:
-  std::string section_;
-  const std::string& file_;
-};
-
-// Sets NbStart and grows the start-point arrays to hold it. They never shrink:
-// CurStart outlives a clearing of the start points and stays an index into them.
-void SetStartPointCount(AppState& s, int32_t count);
+// [RELEASE] date; files made before the key existed count as made today.
+int32_t ReadReleaseDate(const KeyFile& keys);
+// [PICTURES]: both names, or an error when either is missing.
+Parsed<PictureNames> ReadPictureNames(const KeyFile& keys);
+Parameters ReadParameters(const KeyFile& keys);
+// [UNIT]: a missing name reads `defaultName` (data files say "Pixel", results "pixel").
+Units ReadUnits(const KeyFile& keys, std::string_view defaultName);
+// [EXTRA]: nothing when the file lists no value.
+Parsed<std::optional<ExtraValues>> ReadExtraValues(const KeyFile& keys);
+Material ReadMaterial(const KeyFile& keys);
+FormingLimitZone ReadFormingLimitZone(const KeyFile& keys);
+Crack ReadCrack(const KeyFile& keys);
+// [OUTLINES]. A data file skips tagged areas (their gauges lay them again) and
+// leaves out a vertex whose x is missing; a set reads none for a count of -1
+// or 0 and stops an outline at its first -1; a result reads every slot.
+Parsed<Outlines> ReadOutlines(const KeyFile& keys, FileKind kind);
+// [STARTPOINTS]. Only an unknown displacement leaves a point of a data file
+// unsolved; a point of a set is solved when both displacements are there.
+Parsed<StartPointList> ReadStartPoints(const KeyFile& keys, FileKind kind);
+// [GAGES]: the gauges of which all six keys are found, in the file's order.
+Parsed<GageStore> ReadGages(const KeyFile& keys);
 
 // [GAGES], only when at least one gauge exists.
-void WriteGagesSection(std::string& out, const GageStore& gages);
-// [OUTLINES] with `count` slots of the area store.
-void WriteOutlinesSection(std::string& out, const AppState& s, int32_t count);
-void WriteStartPointsSection(std::string& out, const AppState& s);
-// [EXTRA] from the window's name list Combo2 and value list List2.
-void WriteExtraSection(std::string& out, const ControlRegistry& controls);
-void WriteUnitSection(std::string& out, const AppState& s);
-void WriteMaterialSection(std::string& out, const AppState& s);
-// [CLF] when ClfMode, [FISSURE] when FissureOn.
-void WriteClfAndFissureSections(std::string& out, const AppState& s);
+void WriteGages(std::string& out, const GageStore& gages);
+// [OUTLINES] with the slots given; TagBox only for a tagged slot.
+void WriteOutlines(std::string& out, const Outlines& outlines);
+void WriteStartPoints(std::string& out, const StartPointList& points);
+// [EXTRA]: the heading always, the values when there are any.
+void WriteExtraValues(std::string& out, const ExtraValues& extra);
+void WriteUnits(std::string& out, const Units& units);
+void WriteMaterial(std::string& out, const Material& material);
+// [CLF] when the zone is on, [FISSURE] when the crack is.
+void WriteFormingLimitAndCrack(std::string& out, const FormingLimitZone& clf, const Crack& crack);
 
-// [UNIT] into the state and the window's unit fields.
-void ReadUnitSection(AppState& s, ControlRegistry& controls, const std::string& file);
-// [EXTRA] into Combo2 and List2, which keep their entries when the file has none.
-void ReadExtraSection(ControlRegistry& controls, const std::string& file);
-void ReadMaterialSection(AppState& s, const std::string& file);
-// [CLF] sets ClfMode, [FISSURE] sets FissureOn: each is on only when all its keys are there.
-void ReadClfSection(AppState& s, const std::string& file);
-void ReadFissureSection(AppState& s, const std::string& file);
-// [GAGES]: every gauge of which all six keys are found goes to `store`; the
-// number it gets there is returned through `added` for the caller's own use.
-void ReadGagesSection(const std::string& file, int32_t defaultNumber, GageStore& store,
-                      const std::function<void(const Gage&, int32_t number)>& added = {});
-// [GAGES] into the setup window: each gauge also lays its areas.
-void ReadGagesIntoForm(AreaForm& form, const std::string& file, int32_t defaultNumber);
+// The sections as AppState holds them, and back. The outline slots taken are
+// 1..count; start points and their current one follow the list's rules.
+Outlines OutlinesOf(const AppState& s, int32_t count);
+void ApplyOutlines(const Outlines& outlines, AppState& s);
+StartPointList StartPointsOf(const AppState& s);
+void ApplyStartPoints(const StartPointList& points, AppState& s);
+Units UnitsOf(const AppState& s);
+void ApplyUnits(const Units& units, AppState& s);
+Parameters ParametersOf(const AppState& s);
+void ApplyParameters(const Parameters& p, AppState& s);
+void ApplyMaterial(const Material& material, AppState& s);
+FormingLimitZone FormingLimitZoneOf(const AppState& s);
+void ApplyFormingLimitZone(const FormingLimitZone& clf, AppState& s);
+Crack CrackOf(const AppState& s);
+void ApplyCrack(const Crack& crack, AppState& s);
+
+// The status text of a data, sequence or result file that can't be used.
+std::string NotRightFormattedMessage(const std::string& path);
 
 }  // namespace tessiva

@@ -1,18 +1,35 @@
 // The sequence file (.seq): one bare data-file name a line, tying together the
-// data files of one test. The builder writes it with stub data files; the
-// setup and analysis windows read its member list.
+// data files of one test, and the stub data files the sequence builder writes
+// beside it.
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "state/appstate.h"
-#include "ui/controls.h"
-#include "ui/uiport.h"
 
 namespace tessiva {
 
-class AreaForm;
+// A name is read as a sequence when it ends in "seq"; any other is one data file.
+bool IsSequenceFile(const std::string& fileName);
+
+// The member names of a sequence's text, one a line, without surrounding blanks.
+std::vector<std::string> SequenceMemberNames(std::string_view text);
+
+// What ties an incremental member, after the first, to the test: its first
+// picture and the previous member's result.
+struct IncrementalLink {
+  std::string picRefini;
+  std::string resultFrom;
+};
+
+// A stub data file: banner and [PICTURES], and for a linked member the first
+// picture of the test and [INCREMENTAL] ResultFrom. Picture names go in lower case.
+std::string StubText(std::string_view version, const std::string& ref, const std::string& def,
+                     const IncrementalLink* link);
 
 // What the sequence builder hands to SauveSeq: its deformed pictures, 1-based,
 // as shown (bare names) and as tagged (full paths).
@@ -29,24 +46,21 @@ struct SequenceMembers {
 // could not be written; nothing is written for a sequence opened from a file.
 bool SauveSeq(AppState& s, const SequenceMembers& members);
 
-// The setup window's member list: the data files of FileName (a sequence or
-// one data file). Tells the kind of sequence by comparing the members' PicRef;
-// an incremental one is prepared from its first member only (NbSeq 1).
-// Returns false, with the "not right formatted" status text, at the first
-// member that can't be read.
-bool LecSeq(AreaForm& form);
+// Whether a sequence lists its data files or, for the analysis, their results.
+enum class MemberFiles { DataFiles, Results };
 
-// The member list of FileName as LecSeq reads it: NbSeq, DataFileName and
-// DataFilePath (in LastDir). False when a sequence file can't be read.
-bool ReadSequenceMembers(AppState& s);
-// LecSeq's reference rule over the members in DataFilePath: from the
-// SeqRefChange set beforehand (1 for several members), 0 when every member
-// names the same PicRef, 1 once two neighbours differ. False, with the "not
-// right formatted" status text, at the first member without PicRef.
-bool SequenceKindFromPicRef(AppState& s, UiPort& ui);
+// The member list of FileName into NbSeq, DataFileName and DataFilePath (in
+// LastDir): the lines of a sequence file, or FileName itself. False when a
+// sequence file can't be read.
+bool ReadSequenceMembers(AppState& s, MemberFiles files);
 
-// The analysis window's member list: the result files of FileName, also shown
-// in Combo4; the kind of sequence comes from each result's PicAna.
-bool LecSeqResults(AppState& s, UiPort& ui, ControlRegistry& analyseControls);
+// The reference rule over the members, by the picture each names under
+// [PICTURES] `key`: from the SeqRefChange set beforehand (1 for several
+// members), 0 when every member names the same picture, 1 once two neighbours
+// differ. `selectMember` makes member i the current file and returns its
+// path. Nothing when every member was read; else the status text of the first
+// member without the key (empty for an unnamed member).
+std::optional<std::string> TellSequenceKind(AppState& s, std::string_view key,
+                                            const std::function<std::string(int32_t)>& selectMember);
 
 }  // namespace tessiva

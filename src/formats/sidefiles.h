@@ -6,16 +6,14 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "formats/content.h"
 #include "state/appstate.h"
-#include "state/gages.h"
-#include "ui/controls.h"
-#include "ui/uiport.h"
+#include "state/keyfile.h"
 
 namespace tessiva {
-
-class AreaForm;
 
 // Which of the two families of sets a name list belongs to.
 struct AreaSetKind {
@@ -26,52 +24,37 @@ struct AreaSetKind {
 inline constexpr AreaSetKind kAoiSets{"AOI", "NUMBEROFAOI", "-aoi.ini"};
 inline constexpr AreaSetKind kAosSets{"AOS", "NUMBEROFAOS", "-AOS.ini"};
 
-// A window's list of set names, newest first, shown in its Combo1.
+// A window's list of set names, newest first.
 struct AreaSetList {
   static constexpr int32_t kMaxNames = 30;
   std::vector<std::string> AreaNames{""};  // 1-based
   int32_t AreaCount = 0;
-};
-
-// The analysis window's stored selection: one area, its vertices in picture pixels.
-struct SelectionArea {
-  int32_t NboxAOS = 0;
-  std::vector<double> XAOS{0.0};  // 1-based
-  std::vector<double> YAOS{0.0};
+  std::vector<std::string> Names() const;
 };
 
 std::string SideFilePath(const AppState& s, const AreaSetKind& kind, const std::string& name);
 
-// Loads the names of correl.ini into the list and Combo1. The head of correl.ini,
-// up to the list's section, is kept in TexteLignes for later readers.
-void InitAreaSetList(AppState& s, const AreaSetKind& kind, AreaSetList& list, ControlRegistry& controls);
-// The same for the setup window, whose Combo1 then invites a name.
-void InitAOI(AreaForm& form, AreaSetList& list);
-void InitAOS(AppState& s, ControlRegistry& analyseControls, AreaSetList& list);
-
-// Saves under the name in Combo1 (trimmed, "Default" when blank): an existing
-// name has its side file rewritten; a new one goes first in the list, which
-// drops its oldest name beyond 30 (that side file stays on disk). The list is
-// written to correl.ini and shown again. Returns the name saved under.
-std::string SaveAreaSetByName(AppState& s, const AreaSetKind& kind, AreaSetList& list, ControlRegistry& controls,
-                              const std::function<bool(const std::string&)>& writeSideFile);
+// Loads the names of correl.ini into the list. The head of correl.ini, up to
+// the list's section, is kept in TexteLignes for later readers.
+void ReadAreaSetNames(AppState& s, const AreaSetKind& kind, AreaSetList& list);
+// Saves under `typed` (trimmed, "Default" when blank) through `writeSideFile`:
+// an existing name has its side file rewritten; a new one goes first in the
+// list, which drops its oldest name beyond 30 (that side file stays on disk),
+// and the list is written to correl.ini. Returns the name saved under.
+std::string SaveAreaSetName(AppState& s, const AreaSetKind& kind, AreaSetList& list, const std::string& typed,
+                            const std::function<bool(const std::string&)>& writeSideFile);
 // Takes the name at `position` (1-based) out of the list and writes the list
-// back; the side file stays on disk.
-void RemoveAreaSetName(AppState& s, const AreaSetKind& kind, AreaSetList& list, ControlRegistry& controls,
-                       int32_t position);
+// back; the side file stays on disk. False for a position outside the list.
+bool RemoveAreaSetName(AppState& s, const AreaSetKind& kind, AreaSetList& list, int32_t position);
 
-// The setup window's areas, gauges, start points and calibration as a set.
-bool SauveAOI(AreaForm& form, const std::string& name);
-// Replaces the areas and start points of the setup window by a stored set;
-// false, with "<file> can't be loaded", when the set can't be used. A missing
-// side file reads as an empty set.
-bool LecAOI(AreaForm& form, const std::string& name);
-std::string SaveAOIByName(AreaForm& form, AreaSetList& list);
+// An -aoi.ini: gauges, the areas (when any), start points, extra values,
+// units, material, forming-limit zone and crack.
+std::string AoiText(const AoiSet& set);
+// The same read back: a set missing a section reads as empty there.
+Parsed<AoiSet> ParseAoi(const KeyFile& keys);
 
-// The analysis window's selection area and gauges as a set.
-bool SauveAOS(const AppState& s, const SelectionArea& selection, const GageStore& gages, const std::string& name);
-// Replaces the selection and the gauges by a stored set.
-bool LecAOS(const AppState& s, UiPort& ui, SelectionArea& selection, GageStore& gages, const std::string& name);
-bool DeleteAOS(const AppState& s, const std::string& name);
+// An -AOS.ini: gauges and the selection area in whole pixels.
+std::string AosText(const AosSet& set);
+Parsed<AosSet> ParseAos(const KeyFile& keys);
 
 }  // namespace tessiva

@@ -10,7 +10,7 @@
 #include "setup/pictureview.h"
 #include "state/appstate.h"
 #include "state/gages.h"
-#include "state/param.h"
+#include "setup/param.h"
 #include "ui/controls.h"
 #include "ui/uiport.h"
 

@@ -158,6 +158,10 @@ std::array<Outline, 2> NeckStrips(const Outline& band, Vertex neck, int32_t lpas
   return {BandOutline(m.xa, m.ya, plusX, plusY, offset), BandOutline(minusX, minusY, m.xb, m.yb, offset)};
 }
 
+void StoreGaugeAreas(AppState& s, const Gage& g, int32_t tag) {
+  for (const Outline& disc : GaugeOutlines(g.xdep, g.ydep, g.xarr, g.yarr, g.type, s.Lpas)) StoreArea(s, disc, tag);
+}
+
 bool StoreArea(AppState& s, const Outline& outline, int32_t tag) {
   if (s.NbBox < 1 || s.NbBox > AppState::kMaxAreas || outline.empty() ||
       outline.size() > static_cast<size_t>(AppState::kMaxVertices))
@@ -355,8 +359,7 @@ bool AddGauge(AreaForm& form, double x1, double y1, double x2, double y2, int32_
 }
 
 void CreateBoxJauge(AreaForm& form, int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t kind, int32_t tag) {
-  for (const Outline& disc : GaugeOutlines(x1, y1, x2, y2, kind, form.State().Lpas))
-    StoreArea(form.State(), disc, tag);
+  StoreGaugeAreas(form.State(), {"", kind, x1, y1, x2, y2}, tag);
 }
 
 void EnableAreaTools(AreaForm& form, bool enabled) {

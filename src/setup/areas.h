@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "state/appstate.h"
+#include "state/gages.h"
 #include "ui/canvas.h"
 
 namespace tessiva {
@@ -56,6 +57,8 @@ std::array<Outline, 2> NeckStrips(const Outline& band, Vertex neck, int32_t lpas
 
 // Adds an outline as area NbBox with its tag; false when the store is full.
 bool StoreArea(AppState& s, const Outline& outline, int32_t tag);
+// The areas gauge g needs, tagged with its number.
+void StoreGaugeAreas(AppState& s, const Gage& g, int32_t tag);
 // Takes out every area with this tag, the later ones closing up.
 void RemoveAreasTagged(AppState& s, int32_t tag);
 

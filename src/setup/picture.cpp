@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "state/files.h"
-#include "state/param.h"
+#include "state/parameters.h"
 
 namespace tessiva {
 namespace {

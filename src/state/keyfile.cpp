@@ -40,11 +40,11 @@ LineKind Classify(std::string_view line) {
   return {LineKind::Key, ToLower(Trim(trimmed.substr(0, eq))), Trim(trimmed.substr(eq + 1))};
 }
 
-// section -> key -> value, first occurrence winning, as a linear scan would find.
-using ParsedKeyFile = std::unordered_map<std::string, std::unordered_map<std::string, std::string>>;
+using Sections = std::unordered_map<std::string, std::unordered_map<std::string, std::string>>;
 
-ParsedKeyFile Parse(std::string_view text) {
-  ParsedKeyFile parsed;
+// section -> key -> value, first occurrence winning, as a linear scan would find.
+Sections ParseSections(std::string_view text) {
+  Sections parsed;
   std::unordered_map<std::string, std::string>* current = nullptr;
   for (LineCursor lines(text); !lines.AtEnd();) {
     LineKind k = Classify(lines.Next());
@@ -72,7 +72,7 @@ std::optional<FileStamp> StampOf(const std::string& path) {
 
 class KeyFileCache {
  public:
-  std::shared_ptr<const ParsedKeyFile> Get(const std::string& path) {
+  std::shared_ptr<const Sections> Get(const std::string& path) {
     const auto stamp = StampOf(path);
     if (!stamp) return nullptr;
     std::lock_guard lock(mutex_);
@@ -81,7 +81,7 @@ class KeyFileCache {
     const auto text = ReadWholeFile(path);
     if (!text) return nullptr;
     if (entries_.size() >= kMaxEntries) entries_.clear();
-    auto parsed = std::make_shared<const ParsedKeyFile>(Parse(*text));
+    auto parsed = std::make_shared<const Sections>(ParseSections(*text));
     entries_[path] = Entry{*stamp, parsed};
     return parsed;
   }
@@ -95,7 +95,7 @@ class KeyFileCache {
   static constexpr size_t kMaxEntries = 32;
   struct Entry {
     FileStamp stamp;
-    std::shared_ptr<const ParsedKeyFile> parsed;
+    std::shared_ptr<const Sections> parsed;
   };
   std::mutex mutex_;
   std::map<std::string, Entry> entries_;
@@ -106,41 +106,57 @@ KeyFileCache& Cache() {
   return cache;
 }
 
-const std::string* FindValue(const std::string& file, std::string_view section, std::string_view key,
-                             std::shared_ptr<const ParsedKeyFile>& holder) {
-  holder = Cache().Get(file);
-  if (!holder) return nullptr;
-  const auto s = holder->find(ToLower(section));
-  if (s == holder->end()) return nullptr;
+}  // namespace
+
+KeyFile KeyFile::Parse(std::string_view text) { return KeyFile(std::make_shared<const Sections>(ParseSections(text))); }
+
+KeyFile KeyFile::Load(const std::string& path) { return KeyFile(Cache().Get(path)); }
+
+const std::string* KeyFile::Find(std::string_view section, std::string_view key) const {
+  if (!sections_) return nullptr;
+  const auto s = sections_->find(ToLower(section));
+  if (s == sections_->end()) return nullptr;
   const auto k = s->second.find(ToLower(key));
   return k == s->second.end() ? nullptr : &k->second;
 }
 
-}  // namespace
+std::optional<std::string> KeyFile::Text(std::string_view section, std::string_view key) const {
+  const std::string* value = Find(section, key);
+  if (!value) return std::nullopt;
+  std::string out = value->substr(0, kKeyBufferSize - 1);
+  if (out == kNotFound) return std::nullopt;
+  return out;
+}
+
+int32_t KeyFile::Int(std::string_view section, std::string_view key, int32_t def) const {
+  const std::string* value = Find(section, key);
+  return value ? LeadingInteger(*value) : def;
+}
+
+int32_t LeadingInteger(std::string_view value) {
+  size_t i = 0;
+  bool negative = false;
+  if (i < value.size() && (value[i] == '-' || value[i] == '+')) negative = value[i++] == '-';
+  long long n = 0;
+  for (; i < value.size() && value[i] >= '0' && value[i] <= '9'; ++i) {
+    n = n * 10 + (value[i] - '0');
+    if (n > std::numeric_limits<int32_t>::max()) n = static_cast<long long>(std::numeric_limits<int32_t>::max()) + 1;
+  }
+  return ClampToInt32(static_cast<double>(negative ? -n : n));
+}
 
 std::string GetPrivateProfileStringA(std::string_view section, std::string_view key, std::string_view def,
                                      std::size_t size, const std::string& file) {
-  std::shared_ptr<const ParsedKeyFile> holder;
-  const std::string* value = FindValue(file, section, key, holder);
-  std::string out = value ? *value : std::string(def);
+  const KeyFile keys = KeyFile::Load(file);
+  const std::optional<std::string> found = keys.Text(section, key);
+  std::string out = found ? *found : std::string(def);
   if (size == 0) return {};
   if (out.size() > size - 1) out.resize(size - 1);
   return out;
 }
 
 int32_t GetPrivateProfileIntA(std::string_view section, std::string_view key, int32_t def, const std::string& file) {
-  std::shared_ptr<const ParsedKeyFile> holder;
-  const std::string* value = FindValue(file, section, key, holder);
-  if (!value) return def;
-  size_t i = 0;
-  bool negative = false;
-  if (i < value->size() && ((*value)[i] == '-' || (*value)[i] == '+')) negative = (*value)[i++] == '-';
-  long long n = 0;
-  for (; i < value->size() && (*value)[i] >= '0' && (*value)[i] <= '9'; ++i) {
-    n = n * 10 + ((*value)[i] - '0');
-    if (n > std::numeric_limits<int32_t>::max()) n = static_cast<long long>(std::numeric_limits<int32_t>::max()) + 1;
-  }
-  return ClampToInt32(static_cast<double>(negative ? -n : n));
+  return KeyFile::Load(file).Int(section, key, def);
 }
 
 bool WritePrivateProfileStringA(std::string_view section, std::string_view key, std::string_view value,

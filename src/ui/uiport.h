@@ -3,6 +3,7 @@
 // pointer and a turn for pending events.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,6 +33,13 @@ struct FileDialogResult {
   std::string FileName;
   std::string FileTitle;
 };
+
+// The directory of a file chosen in a dialog: its FileName less its FileTitle
+// and the separator before it.
+inline std::string ChosenDirectory(const FileDialogResult& chosen) {
+  const size_t cut = std::min(chosen.FileName.size(), chosen.FileTitle.size() + 1);
+  return chosen.FileName.substr(0, chosen.FileName.size() - cut);
+}
 
 // A picture for the clipboard, 0xRRGGBB per pixel, row by row from the top.
 struct RgbImage {

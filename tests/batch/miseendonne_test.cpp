@@ -1,3 +1,4 @@
+#include "formats/sections.h"
 #include "batch/miseendonne.h"
 
 #include <gtest/gtest.h>

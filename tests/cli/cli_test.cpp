@@ -1,5 +1,6 @@
 // tessiva-cli: exit statuses and messages for bad input, and exports equal
 // to those of the analysis window for each of its settings.
+#include "analysis/analysisfiles.h"
 #include "commands.h"
 
 #include <gtest/gtest.h>

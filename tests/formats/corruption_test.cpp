@@ -8,6 +8,9 @@
 #include <map>
 #include <random>
 
+#include "formats/sections.h"
+#include "analysis/analysisfiles.h"
+#include "setup/areafiles.h"
 #include "formats/datafile.h"
 #include "formats/seqfile.h"
 #include "formats/setupwindow.h"

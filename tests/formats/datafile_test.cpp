@@ -1,3 +1,4 @@
+#include "setup/areafiles.h"
 #include "formats/datafile.h"
 
 #include <gtest/gtest.h>

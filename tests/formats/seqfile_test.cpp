@@ -1,3 +1,5 @@
+#include "analysis/analysisfiles.h"
+#include "setup/areafiles.h"
 #include "formats/seqfile.h"
 
 #include <gtest/gtest.h>

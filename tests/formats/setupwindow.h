@@ -9,7 +9,7 @@
 #include "setup/areaform.h"
 #include "setup/picture.h"
 #include "state/numtext.h"
-#include "state/param.h"
+#include "setup/param.h"
 #include "support/tempdir.h"
 #include "ui/scriptedui.h"
 
@@ -62,6 +62,9 @@ inline void FillWindow(SetupWindow& w) {
                                     {"TextYoung", "70000"}, {"TextPoisson", "0,33"}})
     w.param.Controls().SetText(field, text);
   w.param.Controls().SetChecked("Option1(0)", true);
+  w.param.Controls().SetChecked("Option1(1)", false);
+  w.param.Controls().SetChecked("Option2(0)", false);
+  w.param.Controls().SetChecked("Option2(1)", true);
   w.param.Controls().SetChecked("Check1", true);
   for (const Gage& g : {Gage{"g1", 0, 10, 20, 30, 40}, Gage{"g2", 1, 50, 60, 70, 80}, Gage{"g3", 2, -5, 6, 7, 1234}})
     w.form.Gages().Add(g);

@@ -1,3 +1,5 @@
+#include "analysis/analysisfiles.h"
+#include "setup/areafiles.h"
 #include "formats/sidefiles.h"
 
 #include <gtest/gtest.h>
@@ -15,20 +17,25 @@ namespace {
 using testing::SetupWindow;
 
 // The two families of named sets share one implementation: every name list
-// test runs for both, each with its own side-file writer.
+// test runs for both, through each window's own operations.
 struct Family {
   const AreaSetKind* kind;
-  std::function<bool(SetupWindow&, const std::string&)> write;
+  std::function<void(SetupWindow&, AreaSetList&)> init;
+  std::function<std::string(SetupWindow&, AreaSetList&)> save;
+  std::function<void(SetupWindow&, AreaSetList&, int32_t)> remove;
 };
 const Family kFamilies[] = {
-    {&kAoiSets, [](SetupWindow& w, const std::string& name) { return SauveAOI(w.form, name); }},
-    {&kAosSets, [](SetupWindow& w, const std::string& name) { return SauveAOS(w.s, {}, {}, name); }},
+    {&kAoiSets, [](SetupWindow& w, AreaSetList& l) { InitAOI(w.form, l); },
+     [](SetupWindow& w, AreaSetList& l) { return SaveAOIByName(w.form, l); },
+     [](SetupWindow& w, AreaSetList& l, int32_t position) { RemoveAOIName(w.form, l, position); }},
+    {&kAosSets, [](SetupWindow& w, AreaSetList& l) { InitAOS(w.s, w.form.Controls(), l); },
+     [](SetupWindow& w, AreaSetList& l) { return SaveAOSByName(w.s, w.form.Controls(), l, {}, {}); },
+     [](SetupWindow& w, AreaSetList& l, int32_t position) { RemoveAOSName(w.s, w.form.Controls(), l, position); }},
 };
 
 std::string SaveTyped(SetupWindow& w, const Family& f, AreaSetList& list, const std::string& typed) {
   w.form.Controls().SetText("Combo1", typed);
-  return SaveAreaSetByName(w.s, *f.kind, list, w.form.Controls(),
-                           [&](const std::string& name) { return f.write(w, name); });
+  return f.save(w, list);
 }
 
 std::vector<std::string> Names(const AreaSetList& list) {
@@ -41,7 +48,7 @@ TEST(AreaSetNames, ANewNameGoesFirstTheThirtyFirstDropsTheOldestAndTheListReadsB
     SetupWindow w;
     w.dir.Write("correl.ini", "[PATH]\n  ExePath=solver\n");  // without the list's section
     AreaSetList list, again;
-    InitAreaSetList(w.s, *f.kind, list, w.form.Controls());
+    f.init(w, list);
     EXPECT_EQ(std::tie(list.AreaCount, w.s.NbLignesEntete), std::make_tuple(0, 2));  // all of it is head
     for (int i = 1; i <= 31; ++i) SaveTyped(w, f, list, "n" + std::to_string(i));
     ASSERT_EQ(list.AreaCount, 30);
@@ -52,12 +59,12 @@ TEST(AreaSetNames, ANewNameGoesFirstTheThirtyFirstDropsTheOldestAndTheListReadsB
     // The dropped name's side file stays.
     EXPECT_TRUE(FileExists(SideFilePath(w.s, *f.kind, "n1")));
     // Positions outside the list change nothing.
-    for (int32_t position : {2, 0, 30, -1}) RemoveAreaSetName(w.s, *f.kind, list, w.form.Controls(), position);
+    for (int32_t position : {2, 0, 30, -1}) f.remove(w, list, position);
     EXPECT_EQ(std::tie(list.AreaCount, list.AreaNames[2]), std::make_tuple(29, "n29"));
-    ControlRegistry controls;
-    InitAreaSetList(w.s, *f.kind, again, controls);
+    w.form.Controls().SetItems("Combo1", {});
+    f.init(w, again);
     EXPECT_EQ(Names(again), Names(list));
-    EXPECT_EQ(controls.Get("Combo1").items, Names(list));
+    EXPECT_EQ(w.form.Controls().Get("Combo1").items, Names(list));
     EXPECT_EQ(w.s.TexteLignes.at(static_cast<size_t>(w.s.NbLignesEntete)), "[" + std::string(f.kind->section) + "]");
   }
 }

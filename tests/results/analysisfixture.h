@@ -9,9 +9,11 @@
 #include <tuple>
 #include <vector>
 
+#include "analysis/analysisfiles.h"
 #include "analysis/newanalyse.h"
 #include "results/resultfile.h"
-#include "state/param.h"
+#include "setup/param.h"
+#include "state/parameters.h"
 #include "support/resultwriter.h"
 #include "support/tempdir.h"
 #include "ui/scriptedui.h"

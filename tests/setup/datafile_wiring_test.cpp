@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "setup/areafiles.h"
 #include "engine_fixture.h"
 #include "formats/datafile.h"
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <tuple>
 
-#include "state/param.h"
+#include "state/parameters.h"
 #include "support/tempdir.h"
 
 namespace tessiva {

@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "analysis/analysisfiles.h"
 #include "analysis/newanalyse.h"
 #include "results/resultfile.h"
 #include "setup/rectanglesetup.h"

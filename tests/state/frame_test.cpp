@@ -1,4 +1,4 @@
-#include "state/frame.h"
+#include "frame/mdiform.h"
 
 #include <gtest/gtest.h>
 

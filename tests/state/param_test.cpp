@@ -1,4 +1,5 @@
-#include "state/param.h"
+#include "setup/param.h"
+#include "state/parameters.h"
 
 #include <gtest/gtest.h>
 

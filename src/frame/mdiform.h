@@ -6,23 +6,13 @@
 #include <string>
 
 #include "state/appstate.h"
+#include "state/settings.h"
 #include "ui/uiport.h"
 
 namespace tessiva {
 
 inline constexpr const char* kStartMessage =
     "Input data : generates data files,  Manage jobs : generates batch files,  Analyse : examines results";
-inline constexpr const char* kProgramTitle = "Tessiva - Version 4.65.0 - Tessiva Workbench - tessiva.org";
-
-// Reads the forming-limit curve of [CLFSEC] and widens the diagram's bounds,
-// which start at x -10 to 10 and y -15 to 25, to hold every point.
-void ReadFormingLimitCurve(AppState& s);
-
-// The directory of a file chosen in a dialog: its FileName less its FileTitle
-// and the separator before it.
-std::string ChosenDirectory(const FileDialogResult& chosen);
-// Makes `dir` the data directory, kept in correl.ini for the next start.
-void RememberLastDir(AppState& s, const std::string& dir);
 
 class MDIForm1 {
  public:

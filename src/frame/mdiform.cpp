@@ -1,4 +1,4 @@
-#include "state/frame.h"
+#include "frame/mdiform.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,28 +7,9 @@
 #include "state/files.h"
 #include "state/keyfile.h"
 #include "state/numtext.h"
+#include "state/settings.h"
 
 namespace tessiva {
-
-void ReadFormingLimitCurve(AppState& s) {
-  s.ClfXMin = -10;
-  s.ClfXMax = 10;
-  s.ClfYMin = -15;
-  s.ClfYMax = 25;
-  s.ClfNumber = std::clamp(GetPrivateProfileIntA("CLFSEC", "NUMBER", 0, s.IniPath), 0, 10000);
-  s.ClfX.assign(static_cast<size_t>(s.ClfNumber) + 1, 0);
-  s.ClfY.assign(static_cast<size_t>(s.ClfNumber) + 1, 0);
-  for (int32_t i = 1; i <= s.ClfNumber; ++i) {
-    const int32_t x = GetPrivateProfileIntA("CLFSEC", "X" + StrTrim(i), 0, s.IniPath);
-    const int32_t y = GetPrivateProfileIntA("CLFSEC", "Y" + StrTrim(i), 0, s.IniPath);
-    s.ClfX[static_cast<size_t>(i)] = x;
-    s.ClfY[static_cast<size_t>(i)] = y;
-    s.ClfXMin = std::min(s.ClfXMin, x);
-    s.ClfXMax = std::max(s.ClfXMax, x);
-    s.ClfYMin = std::min(s.ClfYMin, y);
-    s.ClfYMax = std::max(s.ClfYMax, y);
-  }
-}
 
 bool MDIForm1::Load(const std::string& startDir, int screenWidth, int screenHeight) {
   ControlRegistry& frame = ui_.Frame();
@@ -112,16 +93,6 @@ void MDIForm1::OpenAnalyse() {
   RememberLastDir(s_, ChosenDirectory(chosen));
   s_.AnalyseOpen = true;
   ui_.Frame().SetVisible("NewAnalyse", true);
-}
-
-std::string ChosenDirectory(const FileDialogResult& chosen) {
-  const size_t cut = std::min(chosen.FileName.size(), chosen.FileTitle.size() + 1);
-  return chosen.FileName.substr(0, chosen.FileName.size() - cut);
-}
-
-void RememberLastDir(AppState& s, const std::string& dir) {
-  s.LastDir = dir;
-  WritePrivateProfileStringA("PATH", "LastDir", s.LastDir, s.IniPath);
 }
 
 void MDIForm1::OnMouseMove() { ui_.StatusLine(kStartMessage); }
