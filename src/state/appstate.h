@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "state/meshrecords.h"
-#include "ui/canvas.h"
+#include "state/colour.h"
 
 namespace tessiva {
 
