@@ -1,7 +1,9 @@
-// Reliability-guided propagation over the pattern grid. The field grows in
-// waves from the start patterns: each wave solves, in parallel, every pattern
-// next to a solved one, seeded from its solved neighbour of best correlation.
-// A wave depends only on the waves before it, so the field is the same
+// Propagation over the pattern grid in breadth-first waves from the start
+// patterns: each wave solves, in parallel, every untried pattern next to one
+// the wave before solved, seeded from its solved neighbour of best
+// correlation. A pattern that fails seeds no neighbour; there is no priority
+// queue, so a poor pattern is not put off until its better neighbours are
+// done. A wave depends only on the waves before it, so the field is the same
 // whatever the number of threads.
 #pragma once
 
