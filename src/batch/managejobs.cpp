@@ -75,10 +75,10 @@ void ManageJobs::AskForJobs() {
                                                       .multiSelect = true});
 
   if (chosen.FileTitle.empty()) {
-    // Several names: the directory, then the names, NUL-separated.
-    const std::vector<std::string> parts = SplitText(chosen.FileName, std::string_view("\0", 1));
+    const std::vector<std::string> parts = ChosenNames(chosen);
     if (parts.empty() || parts[0].empty()) return;
     RememberLastDir(s_, parts[0]);
+    s_.NbSeq = static_cast<int32_t>(parts.size() - 1);
     // The dialog gives the name clicked last first; the others follow in the
     // order shown. The queue takes the last name, those between, then the first.
     const size_t last = parts.size() - 1;

@@ -174,8 +174,7 @@ void MiseEnDonne::ChooseDeformed() {
                                                       .multiSelect = true});
   if (chosen.FileName.empty()) return;
   if (chosen.FileTitle.empty()) {
-    // Several names: the directory, then the names, NUL-separated.
-    std::vector<std::string> parts = SplitText(chosen.FileName, std::string_view("\0", 1));
+    std::vector<std::string> parts = ChosenNames(chosen);
     TriBulle(parts, 1);
     std::string& dir = parts[0];
     if (dir.size() > 1 && (dir.back() == '\\' || dir.back() == '/')) dir.pop_back();

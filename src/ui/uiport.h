@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "state/numtext.h"
 #include "ui/controls.h"
 
 namespace tessiva {
@@ -39,6 +40,12 @@ struct FileDialogResult {
 inline std::string ChosenDirectory(const FileDialogResult& chosen) {
   const size_t cut = std::min(chosen.FileName.size(), chosen.FileTitle.size() + 1);
   return chosen.FileName.substr(0, chosen.FileName.size() - cut);
+}
+
+// The answer of a dialog where several names were chosen (FileTitle empty):
+// the directory, then the names, as FileName holds them NUL-separated.
+inline std::vector<std::string> ChosenNames(const FileDialogResult& chosen) {
+  return SplitText(chosen.FileName, std::string_view("\0", 1));
 }
 
 // A picture for the clipboard, 0xRRGGBB per pixel, row by row from the top.

@@ -119,6 +119,7 @@ TEST_F(JobsFixture, SeveralNamesTakeTheLastFirstAndTheFirstLast) {
     dir.Write("c.seq", "");
     Pick(picked);
     EXPECT_EQ(Tags(), queued);
+    EXPECT_EQ(s.NbSeq, static_cast<int32_t>(picked.size()));
   }
   EXPECT_EQ(frameControls.Text("Label1"), std::string(" ") + kSortHint);
   EXPECT_EQ(ReadKeyText("PATH", "LastDir", s.IniPath), dir.Path());
