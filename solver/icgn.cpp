@@ -1,34 +1,10 @@
 #include "icgn.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tessiva::solver {
 namespace {
-
-// Inverts a symmetric positive 6x6 matrix by Gauss-Jordan with partial pivoting.
-bool Invert6(const double a[36], double inv[36]) {
-  double m[6][12];
-  for (int r = 0; r < 6; ++r)
-    for (int c = 0; c < 12; ++c) m[r][c] = c < 6 ? a[r * 6 + c] : (c - 6 == r ? 1.0 : 0.0);
-  for (int col = 0; col < 6; ++col) {
-    int pivot = col;
-    for (int r = col + 1; r < 6; ++r)
-      if (std::fabs(m[r][col]) > std::fabs(m[pivot][col])) pivot = r;
-    if (std::fabs(m[pivot][col]) < 1e-12) return false;
-    if (pivot != col)
-      for (int c = 0; c < 12; ++c) std::swap(m[pivot][c], m[col][c]);
-    const double scale = 1.0 / m[col][col];
-    for (int c = 0; c < 12; ++c) m[col][c] *= scale;
-    for (int r = 0; r < 6; ++r) {
-      if (r == col || m[r][col] == 0.0) continue;
-      const double f = m[r][col];
-      for (int c = 0; c < 12; ++c) m[r][c] -= f * m[col][c];
-    }
-  }
-  for (int r = 0; r < 6; ++r)
-    for (int c = 0; c < 6; ++c) inv[r * 6 + c] = m[r][c + 6];
-  return true;
-}
 
 // The Gauss-Newton Hessian of the first-order shape function over the subset.
 // Its entries are sums of gx gx, gx gy and gy gy times 1, dX, dY, dX^2, dX dY
@@ -76,7 +52,40 @@ struct Affine {
 Affine ToAffine(const Warp& w) { return {1.0 + w.ux, w.uy, w.u, w.vx, 1.0 + w.vy, w.v}; }
 Warp FromAffine(const Affine& m) { return {m.a13, m.a11 - 1.0, m.a12, m.a23, m.a21, m.a22 - 1.0}; }
 
-// W(p) composed with the inverse of W(dp): the inverse-compositional update.
+}  // namespace
+
+bool Invert6(const double a[36], double inv[36]) {
+  double m[6][12];
+  double largest = 0.0;
+  for (int r = 0; r < 6; ++r)
+    for (int c = 0; c < 12; ++c) {
+      m[r][c] = c < 6 ? a[r * 6 + c] : (c - 6 == r ? 1.0 : 0.0);
+      if (c < 6) largest = std::max(largest, std::fabs(m[r][c]));
+    }
+  // Hessian entries grow with the subset's contrast and size, so a pivot is
+  // judged against the largest entry: a rank-deficient Hessian leaves pivots
+  // of rounding size, about 1e-16 of it, which an absolute bound would pass.
+  const double vanishing = 1e-12 * largest;
+  for (int col = 0; col < 6; ++col) {
+    int pivot = col;
+    for (int r = col + 1; r < 6; ++r)
+      if (std::fabs(m[r][col]) > std::fabs(m[pivot][col])) pivot = r;
+    if (!(std::fabs(m[pivot][col]) > vanishing)) return false;
+    if (pivot != col)
+      for (int c = 0; c < 12; ++c) std::swap(m[pivot][c], m[col][c]);
+    const double scale = 1.0 / m[col][col];
+    for (int c = 0; c < 12; ++c) m[col][c] *= scale;
+    for (int r = 0; r < 6; ++r) {
+      if (r == col || m[r][col] == 0.0) continue;
+      const double f = m[r][col];
+      for (int c = 0; c < 12; ++c) m[r][c] -= f * m[col][c];
+    }
+  }
+  for (int r = 0; r < 6; ++r)
+    for (int c = 0; c < 6; ++c) inv[r * 6 + c] = m[r][c + 6];
+  return true;
+}
+
 bool ComposeInverse(Warp& w, const Warp& dp) {
   const Affine d = ToAffine(dp);
   const double det = d.a11 * d.a22 - d.a12 * d.a21;
@@ -89,8 +98,6 @@ bool ComposeInverse(Warp& w, const Warp& dp) {
                   m.a21 * di.a12 + m.a22 * di.a22, m.a21 * di.a13 + m.a22 * di.a23 + m.a23});
   return true;
 }
-
-}  // namespace
 
 bool SubsetCorrelator::PrepareReference(int32_t cx, int32_t cy, int32_t half) {
   if (!ref_.Inside(cx - half, cy - half) || !ref_.Inside(cx + half, cy + half)) return false;

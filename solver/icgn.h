@@ -18,6 +18,16 @@ struct Warp {
   double v = 0.0, vx = 0.0, vy = 0.0;
 };
 
+// Inverts a 6 x 6 matrix (the Gauss-Newton Hessian) by Gauss-Jordan
+// elimination with partial pivoting. False, and `inverse` undefined, when the
+// matrix is singular: a pivot vanishes next to the matrix's largest entry,
+// whatever the grey scale of the pictures.
+bool Invert6(const double a[36], double inverse[36]);
+
+// The inverse-compositional update W(p) <- W(p) o W(dp)^-1. False, and `w`
+// unchanged, when W(dp) can't be inverted.
+bool ComposeInverse(Warp& w, const Warp& dp);
+
 struct SubsetResult {
   Warp warp;
   bool converged = false;
