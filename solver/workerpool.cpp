@@ -1,6 +1,7 @@
 #include "workerpool.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tessiva::solver {
 namespace {
@@ -43,10 +44,23 @@ void WorkerPool::ForEach(int32_t count, const std::function<void(int32_t, int32_
   generation_.notify_all();
   TakeItems(0);
   while (busy_.load() > 0) Pause();
+  // Every helper has left the loop, so the exception is ours alone to hand on.
+  if (failed_.load()) {
+    failed_ = false;
+    std::rethrow_exception(std::exchange(error_, nullptr));
+  }
 }
 
 void WorkerPool::TakeItems(int32_t worker) {
-  for (int32_t i = next_++; i < count_; i = next_++) (*body_)(i, worker);
+  // The try block costs nothing until a body throws, so the happy path keeps
+  // one atomic increment an item. An exception would end the program if it
+  // left a helper's thread; it is kept for ForEach to rethrow instead.
+  try {
+    for (int32_t i = next_++; i < count_; i = next_++) (*body_)(i, worker);
+  } catch (...) {
+    if (!failed_.exchange(true)) error_ = std::current_exception();
+    next_ = count_;  // hand out no further item
+  }
 }
 
 void WorkerPool::Serve(int32_t worker) {

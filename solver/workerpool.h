@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -24,7 +25,9 @@ class WorkerPool {
 
   // Runs body(item, worker) for items 0..count-1, handed out one at a time,
   // and returns when all are done. `worker` is 0..Workers()-1, so a body can
-  // keep per-worker scratch.
+  // keep per-worker scratch. When a body throws, on any thread, no further
+  // item is handed out, and once every worker is idle the first exception
+  // thrown is rethrown here; the pool stays ready for the next loop.
   void ForEach(int32_t count, const std::function<void(int32_t, int32_t)>& body);
 
  private:
@@ -38,6 +41,8 @@ class WorkerPool {
   std::atomic<int32_t> busy_{0};          // helpers still in the current loop
   std::atomic<uint32_t> generation_{0};   // raised for every loop, and to stop
   std::atomic<bool> stopping_{false};
+  std::atomic<bool> failed_{false};  // a body of the current loop has thrown
+  std::exception_ptr error_;         // the first one's exception
 };
 
 }  // namespace tessiva::solver
