@@ -36,6 +36,7 @@ class QImageCanvas : public Canvas {
   double TextWidth(const std::string& text) const override;
   double TextHeight(const std::string& text) const override;
   void SetDrawWidth(int pixels) override { drawWidth_ = pixels < 1 ? 1 : pixels; }
+  int DrawWidth() const override { return drawWidth_; }
   void SetDrawMode(DrawMode mode) override { drawMode_ = mode; }
   void Clear() override;
   void Refresh() override;

@@ -185,6 +185,7 @@ void MireArea(Canvas& canvas, double x, double y, const std::string& label, int 
   const double unitsPerPixel = canvas.ScaleWidth() / canvas.PixelWidth();
   const double s1 = Round(unitsPerPixel), s2 = Round(2 * unitsPerPixel), s10 = Round(10 * unitsPerPixel);
   const Colour black = QBColor(0), white = QBColor(15);
+  const KeptDrawWidth kept(&canvas);
   canvas.SetDrawWidth(lineWidth);
   // Each black arm has a white one beside it, so the mark shows on any grey.
   canvas.Line(x - s10, y, x - s2, y, black);
@@ -199,8 +200,6 @@ void MireArea(Canvas& canvas, double x, double y, const std::string& label, int 
   canvas.Circle(x, y, 7 * unitsPerPixel, white);
   canvas.FilledBox(x + s10, y - s2, x + s10 + s2 + canvas.TextWidth(label), y - s2 + canvas.TextHeight(label), white);
   canvas.Text(x + s10, y - s2, label, black);
-  // The views draw with a one-pixel pen outside the marks.
-  canvas.SetDrawWidth(1);
 }
 
 namespace setup {

@@ -221,6 +221,7 @@ namespace setup {
 void PropagArea(AreaForm& form) {
   if (form.Engine().walk.PropagDone == -1) return;
   Canvas* canvas = form.RefView().GetCanvas();
+  const KeptDrawWidth kept(canvas);
   if (canvas) canvas->SetDrawWidth(1);
   form.Ui().StatusLine("Propagation in progress, please wait ...");
   Walk walk(form);

@@ -63,6 +63,7 @@ class Canvas {
   virtual double TextWidth(const std::string& text) const = 0;
   virtual double TextHeight(const std::string& text) const = 0;
   virtual void SetDrawWidth(int pixels) = 0;
+  virtual int DrawWidth() const = 0;
   virtual void SetDrawMode(DrawMode mode) = 0;
   virtual void Clear() = 0;
   virtual void Refresh() = 0;
@@ -73,6 +74,21 @@ class Canvas {
 
  private:
   double left_ = 0.0, top_ = 0.0, width_ = 1.0, height_ = 1.0;
+};
+
+// Gives a canvas back the draw width it had, when a drawing that sets its own ends.
+class KeptDrawWidth {
+ public:
+  explicit KeptDrawWidth(Canvas* canvas) : canvas_(canvas), width_(canvas ? canvas->DrawWidth() : 1) {}
+  ~KeptDrawWidth() {
+    if (canvas_) canvas_->SetDrawWidth(width_);
+  }
+  KeptDrawWidth(const KeptDrawWidth&) = delete;
+  KeptDrawWidth& operator=(const KeptDrawWidth&) = delete;
+
+ private:
+  Canvas* canvas_;
+  int width_;
 };
 
 }  // namespace tessiva

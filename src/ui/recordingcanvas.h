@@ -43,6 +43,7 @@ class RecordingCanvas : public Canvas {
   double TextWidth(const std::string& text) const override;
   double TextHeight(const std::string& text) const override;
   void SetDrawWidth(int pixels) override { drawWidth = pixels; }
+  int DrawWidth() const override { return drawWidth; }
   void SetDrawMode(DrawMode mode) override { drawMode = mode; }
   void Clear() override { ops.push_back({"clear"}); }
   void Refresh() override { ops.push_back({"refresh"}); }

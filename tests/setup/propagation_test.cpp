@@ -59,7 +59,9 @@ TEST_F(WalkWindow, ReachesWhatTouchesSideOnOrAtACornerAndCountsItsVisits) {
   };
   for (const Case& c : cases) {
     Lay(c.areas);
+    w.refCanvas.SetDrawWidth(3);
     for (const auto& [x, y] : c.starts) WalkFrom(x, y);
+    EXPECT_EQ(w.refCanvas.DrawWidth(), 3) << "the walk and its marks give the view its pen back";
     EXPECT_EQ(walk().PropagDone, c.covered ? -1 : 0) << c.what;
     EXPECT_EQ(walk().FoundPat, c.found) << c.what;
     // Every walk that falls short asks for another start point.
