@@ -29,7 +29,7 @@ std::vector<StartSeed> StartSeeds(const AppState& s) {
     double best = std::numeric_limits<double>::max();
     // In floating point: a start point's coordinates come from the file and may be anything.
     for (int32_t k = 1; k <= s.NbPat; ++k) {
-      const double d = std::hypot(double{s.XPat[k]} - s.XStart[i], double{s.YPat[k]} - s.YStart[i]);
+      const double d = std::hypot(static_cast<double>(s.XPat[k]) - s.XStart[i], static_cast<double>(s.YPat[k]) - s.YStart[i]);
       if (d < best) best = d, nearest = k;
     }
     seeds.push_back({nearest, static_cast<double>(s.DuStart[i]), static_cast<double>(s.DvStart[i])});
