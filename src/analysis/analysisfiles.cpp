@@ -16,11 +16,10 @@
 #include "state/numtext.h"
 #include "state/parameters.h"
 #include "state/settings.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
-
-size_t At(int32_t i) { return static_cast<size_t>(i); }
 
 constexpr int32_t kBoxWithoutPicture = AnalysisPicture::kEmptyBoxSide;
 // The size taken for a picture neither the file nor the picture gives.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
@@ -15,8 +16,6 @@ constexpr int32_t kSetStartMissing = -100000000;
 constexpr int32_t kSetStartFoundAbove = -20000;
 // A set's vertices stop at the first -1, as do a data file's start points.
 constexpr int32_t kMinusOne = -1;
-
-size_t At(int32_t i) { return static_cast<size_t>(i); }
 
 ParseError CountError(std::string_view section, std::string_view key, int32_t value, int32_t most,
                       std::string_view what) {

@@ -6,11 +6,10 @@
 #include "state/files.h"
 #include "state/keyfile.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
-
-size_t At(int32_t i) { return static_cast<size_t>(i); }
 
 // Writes every member's stub and returns the sequence file's lines.
 std::optional<std::string> WriteMemberStubs(AppState& s, const SequenceMembers& m) {

@@ -5,11 +5,10 @@
 #include "formats/sections.h"
 #include "state/files.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
-
-size_t At(int32_t i) { return static_cast<size_t>(i); }
 
 void WriteNameList(const AppState& s, const AreaSetKind& kind, const AreaSetList& list) {
   WritePrivateProfileStringA(kind.section, kind.countKey, StrTrim(list.AreaCount), s.IniPath);

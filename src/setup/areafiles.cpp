@@ -10,11 +10,10 @@
 #include "state/files.h"
 #include "state/numtext.h"
 #include "state/parameters.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
-
-size_t At(int32_t i) { return static_cast<size_t>(i); }
 
 bool IsMember(const AppState& s, int index) {
   return index >= 1 && At(index) < s.DataFilePath.size() && At(index) < s.DataFileName.size();

@@ -7,6 +7,7 @@
 #include "setup/areaform.h"
 #include "setup/grid.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
@@ -17,8 +18,6 @@ constexpr int kGaugeDiscPoints = 12;
 constexpr size_t kMaxFreeHandPoints = 50;
 constexpr int kRosette = 1;
 constexpr int kAreaToolButtons = 12;
-
-size_t At(int32_t i) { return static_cast<size_t>(i); }
 
 Vertex Rounded(double x, double y) { return {RoundToInt32(x), RoundToInt32(y)}; }
 

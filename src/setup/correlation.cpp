@@ -7,6 +7,7 @@
 #include "setup/areaform.h"
 #include "setup/grid.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
@@ -15,8 +16,6 @@ constexpr size_t kTemplateStride = PatternCorrelator::kMaxSide + 1;
 // A search whose best score isn't below this found nothing.
 constexpr double kFoundBelow = 1e10;
 constexpr double kMidGrey = 128.0;
-
-size_t At(int64_t i) { return static_cast<size_t>(i); }
 
 // Offset from the centre of element a of a square of side L: Round(a - L/2).
 // For an odd side the rounding to even makes two elements share an offset.

@@ -6,14 +6,13 @@
 #include "setup/areas.h"
 #include "setup/correlation.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
 
 // How much longer than the longest column run the walk looks for a neighbour's number.
 constexpr int32_t kBandMargin = 10;
-
-size_t At(int64_t i) { return static_cast<size_t>(i); }
 
 int32_t StateOf(const std::vector<int32_t>& patState, int32_t p) {
   return At(p) < patState.size() ? patState[At(p)] : 0;

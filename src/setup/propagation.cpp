@@ -8,11 +8,10 @@
 
 #include "setup/areaform.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
-
-size_t At(int64_t i) { return static_cast<size_t>(i); }
 
 // Grid offsets of the eight neighbour directions (index 0 unused).
 constexpr std::array<std::array<int, 2>, 9> kDirection = {

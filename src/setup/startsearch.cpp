@@ -7,14 +7,13 @@
 
 #include "setup/areaform.h"
 #include "state/numtext.h"
+#include "state/index.h"
 
 namespace tessiva {
 namespace {
 
 constexpr int kMaxTile = 128;
 constexpr double kNoPeakYet = -99999.0;
-
-size_t At(int64_t i) { return static_cast<size_t>(i); }
 
 bool PowerOfTwo(int n) { return n > 0 && (n & (n - 1)) == 0; }
 
