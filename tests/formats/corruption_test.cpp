@@ -86,6 +86,37 @@ TEST(DamagedFiles, AnImpossibleCountOrAMissingPictureMakesTheDataAndAoiFilesUnus
   }
 }
 
+// A data file that fails half way keeps the sections before the one that
+// can't be used, each whole: the areas with their count, the grid only with
+// its areas, and no start point of a list that was refused.
+TEST(DamagedFiles, ADataFileThatFailsHalfWayKeepsWhatCameBeforeConsistent) {
+  const std::string areas = "[OUTLINES]\n  Number=1\n  Nbox1=5\n  x1-1=1\n  y1-1=1\n  x1-2=15\n  y1-2=1\n"
+                            "  x1-3=15\n  y1-3=11\n  x1-4=1\n  y1-4=11\n  x1-5=1\n  y1-5=1\n"
+                            "[PARAMETERS]\n  Lgrid=2\n[MATERIAL]\n  YOUNG=70000\n";
+  struct Case {
+    const char* what;
+    std::string rest;
+    bool gridLaid;
+  };
+  const Case cases[] = {
+      {"gauges refused after the areas", "[GAGES]\n  Number=1000\n[STARTPOINTS]\n  Number=1\n  x1=5\n  y1=5\n", false},
+      {"start points refused after the grid", "[STARTPOINTS]\n  Number=1000\n  x1=5\n  y1=5\n", true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    SetupWindow w;
+    w.dir.Write("a.don", testing::kPicturesSection + areas + c.rest);
+    w.Member("a.don");
+    EXPECT_FALSE(LecDonArea(w.form, 1, false));
+    EXPECT_EQ(w.Status(), " " + NotRightFormattedMessage(w.dir.File("a.don")));
+    EXPECT_EQ(std::tie(w.s.Young, w.s.NbBox, w.s.Nbox[1], w.s.XBox[1][3]), std::make_tuple(70000.0, 2, 5, 15));
+    EXPECT_EQ(w.s.NbPat > 0, c.gridLaid);
+    EXPECT_EQ(w.form.Gages().Count(), 0);
+    EXPECT_EQ(w.s.NbStart, 0);
+    ExpectStoresHold(w);
+  }
+}
+
 TEST(DamagedFiles, NoReaderCrashesOverflowsAStoreOrWrites) {
   SetupWindow w;
   testing::FillWindow(w);
