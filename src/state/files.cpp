@@ -1,5 +1,8 @@
 #include "state/files.h"
 
+#include <algorithm>
+#include <array>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -31,51 +34,91 @@ std::string ResolvePathNoCase(const std::string& path) {
   return path;
 }
 
+// The length the system gives is only a hint for the buffer: the bytes are
+// read until the stream ends, so a file that grows or shrinks meanwhile is
+// read as it is, and nothing is allocated for a length that isn't there.
 std::optional<std::string> ReadWholeFile(const std::string& path) {
-  std::ifstream in(fs::u8path(path), std::ios::binary | std::ios::ate);
-  if (!in) return std::nullopt;
-  const std::streamoff size = in.tellg();
-  if (size < 0) return std::nullopt;
-  std::string text(static_cast<size_t>(size), '\0');
-  in.seekg(0);
-  in.read(text.data(), static_cast<std::streamsize>(size));
-  if (in.bad()) return std::nullopt;
-  text.resize(static_cast<size_t>(in.gcount()));
-  return text;
+  try {
+    const fs::path p = fs::u8path(path);
+    std::error_code ec;
+    if (!fs::is_regular_file(p, ec)) return std::nullopt;
+    const std::uintmax_t length = fs::file_size(p, ec);
+    std::ifstream in(p, std::ios::binary);
+    if (!in) return std::nullopt;
+    std::string text;
+    if (!ec) text.reserve(static_cast<size_t>(std::min<std::uintmax_t>(length, text.max_size())));
+    std::array<char, 1 << 16> chunk;
+    while (in.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || in.gcount() > 0)
+      text.append(chunk.data(), static_cast<size_t>(in.gcount()));
+    if (in.bad()) return std::nullopt;
+    return text;
+  } catch (const std::exception&) {  // out of memory for the file: it can't be read
+    return std::nullopt;
+  }
 }
 
 bool WriteFileAtomically(const std::string& path, std::string_view content) {
   const fs::path target = fs::u8path(path);
   fs::path temp = target;
   temp += ".tmp~" + std::to_string(::getpid());
+  const auto giveUp = [&temp] {
+    std::error_code ignored;
+    fs::remove(temp, ignored);
+    return false;
+  };
   {
     std::ofstream out(temp, std::ios::binary | std::ios::trunc);
     if (!out) return false;
     out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    // A write the disk refused (full, quota) shows only when the buffer goes
+    // out: flush and close before judging, or a short file would replace a good one.
     out.flush();
-    if (!out) {
-      std::error_code ignored;
-      fs::remove(temp, ignored);
-      return false;
-    }
+    if (!out) return giveUp();
+    out.close();
+    if (out.fail()) return giveUp();
   }
   std::error_code ec;
   fs::rename(temp, target, ec);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    return false;
-  }
+  if (ec) return giveUp();
   return true;
+}
+
+bool IsUsableFileName(std::string_view name) {
+  return !name.empty() && std::none_of(name.begin(), name.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7F;
+  });
+}
+
+std::string PrintableName(std::string_view name) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string out;
+  for (char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte == 0) {
+      out += "\\0";
+    } else if (byte < 0x20 || byte == 0x7F) {
+      out += "\\x";
+      out += kHex[byte >> 4];
+      out += kHex[byte & 0xF];
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+LineCursor::LineCursor(std::string_view text) : text_(text) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text_.starts_with(kByteOrderMark)) pos_ = kByteOrderMark.size();
 }
 
 std::string_view LineCursor::Next() {
   if (AtEnd()) return {};
-  std::size_t end = text_.find('\n', pos_);
+  std::size_t end = text_.find_first_of("\r\n", pos_);
   if (end == std::string_view::npos) end = text_.size();
-  std::string_view line = text_.substr(pos_, end - pos_);
-  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  pos_ = end + 1;
+  const std::string_view line = text_.substr(pos_, end - pos_);
+  pos_ = text_.compare(end, 2, "\r\n") == 0 ? end + 2 : end + 1;
   return line;
 }
 

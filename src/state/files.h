@@ -19,19 +19,30 @@ bool FileExists(const std::string& path);
 // the disk may hold another case); otherwise the path unchanged.
 std::string ResolvePathNoCase(const std::string& path);
 
+// The bytes of a regular file; nothing for a directory, a device, a missing
+// file, or a read that fails (memory included).
 std::optional<std::string> ReadWholeFile(const std::string& path);
 
-// Writes beside the target, then renames over it: a failure never leaves half a file.
+// Writes beside the target, then renames over it once every byte has gone out
+// without a fault: a failure, a full disk included, never leaves half a file.
 bool WriteFileAtomically(const std::string& path, std::string_view content);
 
-// Walks the lines of a text, LF or CR LF ended; a final line without an ending
-// counts, an empty text has none. Past the last line it gives empty lines.
+// A name a file can be given and found by: not empty, and free of control
+// characters (bytes 0-31 and 127), which the system cuts names at or misreads.
+bool IsUsableFileName(std::string_view name);
+// The name with its control characters shown as \0, \x01, \x7F...: fit for a message.
+std::string PrintableName(std::string_view name);
+
+// Walks the lines of a text ended by LF, CR LF or a lone CR, whichever editor
+// wrote it; a UTF-8 byte order mark at the start is passed over. A final line
+// without an ending counts, an empty text has none. Past the last line it
+// gives empty lines.
 class LineCursor {
  public:
-  explicit LineCursor(std::string_view text) : text_(text) {}
+  explicit LineCursor(std::string_view text);
   std::string_view Next();
   bool AtEnd() const { return pos_ >= text_.size(); }
-  // The text read so far, line ends included.
+  // The text read so far, byte order mark and line ends included.
   std::string_view Consumed() const { return text_.substr(0, pos_); }
 
  private:
