@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <limits>
 #include <random>
 #include <tuple>
@@ -168,8 +169,63 @@ TEST_F(PictureFixture, DamagedFilesNeverCrashNorChangeTheFile) {
     fresh.PicRefPath = dir.Write("ref.bmp", i % 2 ? good : damaged);
     fresh.PicDefPath = dir.Write("def.bmp", i % 2 ? damaged : good);
     ChargePicArea(fresh);
+    GreyArray whole;
+    const bool read = ReadWholePicture(dir.File("ref.bmp"), whole).empty();
     EXPECT_EQ(dir.Read(i % 2 ? "def.bmp" : "ref.bmp"), damaged);
     EXPECT_LE(int64_t{fresh.PixRef.UpperX()} * fresh.PixRef.UpperY(), int64_t{1} << 26);
+    EXPECT_EQ(read, !whole.Empty());
+  }
+}
+
+TEST_F(PictureFixture, WholeReadGivesThePictureAndItsPalette) {
+  GreyArray pixels;
+  std::array<Colour, 256> palette{};
+  const std::string rows = Rows(6, 4, 8);
+  ASSERT_EQ(ReadWholePicture(dir.Write("pic.bmp", Bmp(6, 4, rows + "extra bytes", 3)), pixels, &palette), "");
+  ASSERT_EQ(std::tuple(pixels.UpperX(), pixels.UpperY(), palette[1]), std::tuple(6, 4, 4u));
+  int wrong = 0;
+  for (int32_t r = 0; r < 4; ++r)
+    for (int32_t x = 0; x < 6; ++x) wrong += pixels(x, 3 - r) != Level(x, r);
+  EXPECT_EQ(wrong, 0);
+}
+
+// Every fault is told with the picture's name, and none of them allocates the
+// picture: a header claiming 64 megapixels over a 10 KB file is refused from
+// its length alone.
+TEST_F(PictureFixture, WholeReadRefusesFaultyPicturesNamingThemAndTheFault) {
+  const auto with = [](std::string bmp, size_t at, char byte) {
+    bmp[at] = byte;
+    return bmp;
+  };
+  const std::string body(10 * 1024, '\x55');
+  const std::pair<std::string, std::string> cases[] = {
+      {Plain(8, 8).substr(0, Plain(8, 8).size() - 1),
+       "is cut short: its header gives 8 x 8 pixels, which take 1,142 bytes, but the file holds only 1,141"},
+      {Bmp(32768, 2048, body), "its header gives 32,768 x 2,048 pixels, which take 67,109,942 bytes"},
+      {Bmp(8192, 8192, body), "its header gives 8,192 x 8,192 pixels"},
+      {Plain(8, 8).substr(0, 100), "the file ends inside its header"},
+      {Bmp(5, -3, body), "stores its rows from the top down (a negative height)"},
+      {Bmp(4, 32769, body), "is 4 x 32,769 pixels, beyond the 32,768 pixels a side Tessiva reads"},
+      {Bmp(8193, 8193, body), "larger than the 67,108,864 pixels (64 megapixels) Tessiva reads"},
+      {Bmp(0, 4, body), "claims a size of 0 x 4 pixels, which holds no pixel"},
+      {"GIF89a\x04\x00\x04\x00", "is not a BMP file"},
+      {with(Plain(2, 2), 28, 24), "has 24 bits per pixel; Tessiva reads 8-bit grey-level BMP pictures only"},
+      {with(Plain(2, 2), 30, 1), "is compressed"},
+      {"directory", "is a directory, not a BMP file"},
+      {"missing", "is missing"},
+  };
+  for (const auto& [content, fault] : cases) {
+    SCOPED_TRACE(fault);
+    const std::string path = dir.File("pic.bmp");
+    std::filesystem::remove_all(path);
+    if (content == "directory") std::filesystem::create_directory(path);
+    if (content != "directory" && content != "missing") dir.Write("pic.bmp", content);
+    GreyArray pixels;
+    const std::string message = ReadWholePicture(path, pixels);
+    EXPECT_NE(message.find("picture " + path + " "), std::string::npos) << message;
+    EXPECT_NE(message.find(fault), std::string::npos) << message;
+    EXPECT_TRUE(pixels.Empty());
+    EXPECT_EQ(PictureProblem(path), message);
   }
 }
 
