@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -26,10 +27,14 @@ int main(int argc, char** argv) {
     std::cerr << "usage: tessiva-solver <data directory> <program directory>" << std::endl;
     return 2;
   }
+  // Every job catches its own faults; what is left is a fault of the batch
+  // itself, told in plain words: the library's own texts mean nothing to users.
   try {
     return tessiva::solver::RunJobs(argv[1], {ThreadCount()}, std::cout);
-  } catch (const std::exception& e) {
-    std::cerr << "tessiva-solver: " << e.what() << std::endl;
-    return 1;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "tessiva-solver: out of memory while running the jobs of " << argv[1] << std::endl;
+  } catch (...) {
+    std::cerr << "tessiva-solver: the jobs of " << argv[1] << " stopped on an unexpected fault" << std::endl;
   }
+  return 1;
 }
