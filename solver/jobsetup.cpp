@@ -12,9 +12,9 @@ namespace tessiva::solver {
 namespace {
 
 // The areas of the file and those its gauges lay, as the setup window stores them.
-void StoreAreas(const DataFileContent& content, AppState& s) {
-  ApplyOutlines(content.outlines, s);
-  for (int32_t i = 1; i <= content.gages.Count(); ++i) StoreGaugeAreas(s, content.gages.Get(i), i);
+void StoreAreas(const AreaContent& areas, AppState& s) {
+  ApplyOutlines(areas.outlines, s);
+  for (int32_t i = 1; i <= areas.gages.Count(); ++i) StoreGaugeAreas(s, areas.gages.Get(i), i);
 }
 
 // Both pictures, whole: a job can't correlate what a picture doesn't hold.
@@ -42,9 +42,9 @@ std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, c
   ApplyParameters(content->parameters, s);
   ClampParameters(s);
   if (!AllocPat(s)) return name + ": " + TooManyPatternsMessage(s);
-  StoreAreas(*content, s);
+  StoreAreas(content->areas, s);
   if (LayPatterns(s, job.grid) == 0) return name + ": no pattern lies inside its areas";
-  ApplyStartPoints(content->startPoints, s);
+  ApplyStartPoints(content->areas.startPoints, s);
   return std::nullopt;
 }
 

@@ -129,12 +129,9 @@ struct StartPointList {
   std::vector<StartPointEntry> points;  // point i at index i - 1
 };
 
-// A data file (.don): the input of one correlation job.
-struct DataFileContent {
-  std::string version;         // written under [RELEASE], with today's date
-  std::optional<int32_t> date;  // [RELEASE] date as read
-  PictureNames pictures;
-  Parameters parameters;
+// What a data file and a named set of areas of interest both hold: the
+// areas, gauges and start points, and the test's calibration.
+struct AreaContent {
   GageStore gages;
   Outlines outlines;
   StartPointList startPoints;
@@ -143,21 +140,21 @@ struct DataFileContent {
   Material material;
   FormingLimitZone clf;
   Crack crack;
+};
+
+// A data file (.don): the input of one correlation job.
+struct DataFileContent {
+  std::string version;          // written under [RELEASE], with today's date
+  std::optional<int32_t> date;  // [RELEASE] date as read
+  PictureNames pictures;
+  Parameters parameters;
+  AreaContent areas;
   std::vector<int32_t> badPatterns;  // the patterns listed under [BADPATTERN]
 };
 
-// A named set of areas of interest (-aoi.ini): a data file less its pictures,
-// parameters and bad patterns.
-struct AoiSet {
-  GageStore gages;
-  std::optional<Outlines> outlines;
-  StartPointList startPoints;
-  ExtraValues extra;
-  Units units;
-  Material material;
-  FormingLimitZone clf;
-  Crack crack;
-};
+// A named set of areas of interest (-aoi.ini) is a data file's areas alone,
+// independent of any picture.
+using AoiSet = AreaContent;
 
 // The analysis window's stored selection: one area, its vertices in picture pixels.
 struct SelectionArea {

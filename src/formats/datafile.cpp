@@ -84,22 +84,9 @@ Parsed<DataFileContent> ParseDataFile(std::string_view text) {
   if (!pictures) return pictures.Error();
   c.pictures = *pictures;
   c.parameters = ReadParameters(keys);
-  c.units = ReadUnits(keys, "Pixel");
-  auto extra = ReadExtraValues(keys);
-  if (!extra) return extra.Error();
-  if (*extra) c.extra = **extra;
-  c.material = ReadMaterial(keys);
-  c.clf = ReadFormingLimitZone(keys);
-  c.crack = ReadCrack(keys);
-  auto outlines = ReadOutlines(keys, FileKind::DataFile);
-  if (!outlines) return outlines.Error();
-  c.outlines = *outlines;
-  auto gages = ReadGages(keys);
-  if (!gages) return gages.Error();
-  c.gages = *gages;
-  auto start = ReadStartPoints(keys, FileKind::DataFile);
-  if (!start) return start.Error();
-  c.startPoints = *start;
+  auto areas = ReadAreaContent(keys, FileKind::DataFile);
+  if (!areas) return areas.Error();
+  c.areas = std::move(*areas);
   return c;
 }
 
@@ -108,14 +95,7 @@ DataFileContent DataFileContentOf(const AppState& s, int32_t areaSlots, const Ga
   c.version = s.Title;
   c.pictures = {s.PicRefName, s.PicDefName, std::nullopt, s.Lima, s.Hima};
   c.parameters = ParametersOf(s);
-  c.gages = gages;
-  c.outlines = OutlinesOf(s, areaSlots);
-  c.startPoints = StartPointsOf(s);
-  c.extra = std::move(extra);
-  c.units = UnitsOf(s);
-  c.material = {s.Young, s.Poisson};
-  c.clf = FormingLimitZoneOf(s);
-  c.crack = CrackOf(s);
+  c.areas = AreaContentOf(s, areaSlots, gages, std::move(extra));
   if (s.NbPatBad != 0) {
     const int32_t listed = std::clamp(s.NbPatBad, 0, static_cast<int32_t>(s.BadPat.size()) - 1);
     for (int32_t k = 1; k <= listed; ++k)
@@ -129,13 +109,7 @@ std::string DataFileText(const DataFileContent& c) {
   AppendBanner(out, c.version);
   WritePictures(out, c.pictures);
   WriteParameters(out, c.parameters);
-  WriteGages(out, c.gages);
-  WriteOutlines(out, c.outlines);
-  WriteStartPoints(out, c.startPoints);
-  WriteExtraValues(out, c.extra);
-  WriteUnits(out, c.units);
-  WriteMaterial(out, c.material);
-  WriteFormingLimitAndCrack(out, c.clf, c.crack);
+  WriteAreaContent(out, c.areas, false);
   WriteBadPatterns(out, c.badPatterns);
   WriteResultsDescription(out);
   return out;

@@ -333,6 +333,37 @@ void WriteFormingLimitAndCrack(std::string& out, const FormingLimitZone& clf, co
   }
 }
 
+Parsed<AreaContent> ReadAreaContent(const KeyFile& keys, FileKind kind) {
+  AreaContent c;
+  auto outlines = ReadOutlines(keys, kind);
+  if (!outlines) return outlines.Error();
+  c.outlines = *outlines;
+  auto gages = ReadGages(keys);
+  if (!gages) return gages.Error();
+  c.gages = *gages;
+  auto start = ReadStartPoints(keys, kind);
+  if (!start) return start.Error();
+  c.startPoints = *start;
+  auto extra = ReadExtraValues(keys);
+  if (!extra) return extra.Error();
+  if (*extra) c.extra = **extra;
+  c.units = ReadUnits(keys, "Pixel");
+  c.material = ReadMaterial(keys);
+  c.clf = ReadFormingLimitZone(keys);
+  c.crack = ReadCrack(keys);
+  return c;
+}
+
+void WriteAreaContent(std::string& out, const AreaContent& c, bool outlinesOnlyWhenAny) {
+  WriteGages(out, c.gages);
+  if (!outlinesOnlyWhenAny || !c.outlines.slots.empty()) WriteOutlines(out, c.outlines);
+  WriteStartPoints(out, c.startPoints);
+  WriteExtraValues(out, c.extra);
+  WriteUnits(out, c.units);
+  WriteMaterial(out, c.material);
+  WriteFormingLimitAndCrack(out, c.clf, c.crack);
+}
+
 Outlines OutlinesOf(const AppState& s, int32_t count) {
   Outlines outlines;
   const int32_t slots = std::clamp(count, 0, AppState::kMaxAreas);
@@ -391,6 +422,11 @@ void ApplyStartPoints(const StartPointList& list, AppState& s) {
     if (p.current == Current::Take || (p.current == Current::TakeUnlessEarlier && (s.CurStart == 0 || n < s.CurStart)))
       s.CurStart = n;
   }
+}
+
+AreaContent AreaContentOf(const AppState& s, int32_t areaSlots, const GageStore& gages, ExtraValues extra) {
+  return {gages,         OutlinesOf(s, areaSlots),  StartPointsOf(s), std::move(extra),
+          UnitsOf(s),    {s.Young, s.Poisson},      FormingLimitZoneOf(s), CrackOf(s)};
 }
 
 Units UnitsOf(const AppState& s) { return {s.UnitNameX, s.UnitNameY, s.UnitPX, s.UnitPY}; }

@@ -67,11 +67,20 @@ void WriteMaterial(std::string& out, const Material& material);
 // [CLF] when the zone is on, [FISSURE] when the crack is.
 void WriteFormingLimitAndCrack(std::string& out, const FormingLimitZone& clf, const Crack& crack);
 
+// The sections of AreaContent, each read by its kind's rules; the first
+// section that can't be used.
+Parsed<AreaContent> ReadAreaContent(const KeyFile& keys, FileKind kind);
+// The sections of AreaContent in the order of the files; [OUTLINES] also
+// when it has no slot, unless `outlinesOnlyWhenAny`.
+void WriteAreaContent(std::string& out, const AreaContent& content, bool outlinesOnlyWhenAny);
+
 // The sections as AppState holds them, and back. The outline slots taken are
 // 1..count; start points and their current one follow the list's rules.
 Outlines OutlinesOf(const AppState& s, int32_t count);
 void ApplyOutlines(const Outlines& outlines, AppState& s);
 StartPointList StartPointsOf(const AppState& s);
+// The areas of the state (its first `areaSlots` slots) with a window's gauges and extra values.
+AreaContent AreaContentOf(const AppState& s, int32_t areaSlots, const GageStore& gages, ExtraValues extra);
 void ApplyStartPoints(const StartPointList& points, AppState& s);
 Units UnitsOf(const AppState& s);
 void ApplyUnits(const Units& units, AppState& s);

@@ -98,36 +98,11 @@ bool RemoveAreaSetName(AppState& s, const AreaSetKind& kind, AreaSetList& list, 
 
 std::string AoiText(const AoiSet& set) {
   std::string out;
-  WriteGages(out, set.gages);
-  if (set.outlines) WriteOutlines(out, *set.outlines);
-  WriteStartPoints(out, set.startPoints);
-  WriteExtraValues(out, set.extra);
-  WriteUnits(out, set.units);
-  WriteMaterial(out, set.material);
-  WriteFormingLimitAndCrack(out, set.clf, set.crack);
+  WriteAreaContent(out, set, true);
   return out;
 }
 
-Parsed<AoiSet> ParseAoi(const KeyFile& keys) {
-  AoiSet set;
-  auto outlines = ReadOutlines(keys, FileKind::AreaSet);
-  if (!outlines) return outlines.Error();
-  set.outlines = *outlines;
-  set.units = ReadUnits(keys, "Pixel");
-  auto extra = ReadExtraValues(keys);
-  if (!extra) return extra.Error();
-  if (*extra) set.extra = **extra;
-  set.material = ReadMaterial(keys);
-  set.clf = ReadFormingLimitZone(keys);
-  set.crack = ReadCrack(keys);
-  auto gages = ReadGages(keys);
-  if (!gages) return gages.Error();
-  set.gages = *gages;
-  auto start = ReadStartPoints(keys, FileKind::AreaSet);
-  if (!start) return start.Error();
-  set.startPoints = *start;
-  return set;
-}
+Parsed<AoiSet> ParseAoi(const KeyFile& keys) { return ReadAreaContent(keys, FileKind::AreaSet); }
 
 std::string AosText(const AosSet& set) {
   std::string out;

@@ -142,24 +142,15 @@ void ShowEndData(ControlRegistry& c, bool shown) {
   c.SetVisible("Toolbar1.enddata", shown);
 }
 
+// The free slot isn't written, and unlike a data file's save NbBox stays as it is.
 AoiSet AoiSetOf(AreaForm& form) {
   const AppState& s = form.State();
-  AoiSet set;
-  set.gages = form.Gages();
-  // The free slot isn't written, and unlike a data file's save NbBox stays as it is.
-  if (s.NbBox > 1) set.outlines = OutlinesOf(s, s.NbBox - 1);
-  set.startPoints = StartPointsOf(s);
-  set.extra = ExtraValuesOf(form.Controls());
-  set.units = UnitsOf(s);
-  set.material = {s.Young, s.Poisson};
-  set.clf = FormingLimitZoneOf(s);
-  set.crack = CrackOf(s);
-  return set;
+  return AreaContentOf(s, s.NbBox - 1, form.Gages(), ExtraValuesOf(form.Controls()));
 }
 
 void ApplyAoiSet(AreaForm& form, const AoiSet& set) {
   AppState& s = form.State();
-  if (set.outlines) ApplyOutlines(*set.outlines, s);
+  ApplyOutlines(set.outlines, s);
   ApplyUnits(set.units, s);
   ShowUnits(form.Controls(), s);
   if (!set.extra.names.empty()) ShowExtraValues(form.Controls(), set.extra);
