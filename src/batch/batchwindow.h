@@ -5,6 +5,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -65,17 +66,15 @@ class BatchWindow {
   void OpenInTextEditor(const std::string& path);
 
   // Runs an event handler so that nothing it throws leaves the window; the
-  // user is told instead.
+  // user is told in plain words, never with the text of the exception.
   template <typename Handler>
   void Guarded(Handler&& handler) {
     try {
       handler();
-    } catch (const std::exception& e) {
-      try {
-        ui_.MessageBox(window_ + ": " + e.what(), "", MsgButtons::Ok, MsgIcon::Critical);
-      } catch (...) {
-      }
+    } catch (const std::bad_alloc&) {
+      Tell(window_ + ": there is not enough memory for this command");
     } catch (...) {
+      Tell(window_ + ": this command stopped on an internal error; no file was changed by it");
     }
   }
 
@@ -84,6 +83,13 @@ class BatchWindow {
   JobTree tree_;
 
  private:
+  void Tell(const std::string& text) {
+    try {
+      ui_.MessageBox(text, "", MsgButtons::Ok, MsgIcon::Critical);
+    } catch (...) {
+    }
+  }
+
   std::string window_;
 };
 

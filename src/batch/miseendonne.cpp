@@ -228,13 +228,7 @@ void MiseEnDonne::OpenDataFile() {
   s_.FileTitle = chosen.FileTitle;
   RememberLastDir(s_, ChosenDirectory(chosen));
   BusyPointer busy(ui_);
-  bool listed = false;
-  try {
-    listed = ListMembers();
-  } catch (...) {
-    controls_.SetText("Label2", NotRightFormattedMessage(s_.FileName));
-  }
-  if (!listed) {
+  if (!ListMembers()) {
     RemovePictures();
     EnableOptions(false);
     return;
