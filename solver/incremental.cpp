@@ -108,11 +108,11 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   const KeyFile stubKeys = KeyFile::Parse(*stub);
   const std::string refName = stubKeys.Text("PICTURES", "PicRef").value_or("");
   const std::string defName = stubKeys.Text("PICTURES", "PicDef").value_or("");
-  AppState pair;  // loading pictures renews the pattern store, so they go to a state of their own
-  pair.PicRefPath = JoinPath(dataDir, refName);
-  pair.PicDefPath = JoinPath(dataDir, defName);
-  if (refName.empty() || defName.empty() || !ChargePicArea(pair))
-    return Failure(path + ": picture " + refName + " or " + defName + " is missing or unreadable");
+  if (refName.empty() || defName.empty()) return Failure(path + ": [PICTURES] names no reference or deformed picture");
+  AppState pair;  // this member's pictures, apart from the grid of the previous result
+  if (std::string problem = ReadPicturePair(JoinPath(dataDir, refName), JoinPath(dataDir, defName), pair);
+      !problem.empty())
+    return Failure(path + ": " + problem);
   const std::vector<CarriedPattern> carried = CarriedField(block, s.LpatEven);
   if (static_cast<int32_t>(carried.size()) - 1 != s.NbPat)
     return Failure(path + ": its previous result doesn't match its grid");

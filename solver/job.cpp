@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <variant>
 #include <vector>
 
 #include "formats/content.h"
@@ -20,17 +21,31 @@ namespace {
 
 JobOutcome Failure(std::string message) { return {false, std::move(message), 0, 0}; }
 
-// The pattern nearest to each start point whose displacement is known.
-std::vector<StartSeed> StartSeeds(const AppState& s) {
+// A start point the setup window could have given: on the picture, and
+// displaced no further than the picture is wide or high.
+std::optional<std::string> StartPointProblem(const AppState& s, int32_t i) {
+  const int32_t x = s.XStart[i], y = s.YStart[i], du = s.DuStart[i], dv = s.DvStart[i];
+  const std::string point = "start point " + std::to_string(i) + " at (" + std::to_string(x) + ", " +
+                            std::to_string(y) + ")";
+  if (!s.PixRef.Contains(x, y))
+    return point + " lies outside the picture of " + std::to_string(s.Lima) + " x " + std::to_string(s.Hima) + " pixels";
+  if (std::abs(int64_t{du}) > s.Lima || std::abs(int64_t{dv}) > s.Hima)
+    return point + " is displaced by (" + std::to_string(du) + ", " + std::to_string(dv) + "), beyond the picture";
+  return std::nullopt;
+}
+
+// The pattern nearest to each start point whose displacement is known, or
+// why a start point can't be used.
+std::variant<std::vector<StartSeed>, std::string> StartSeeds(const AppState& s) {
   std::vector<StartSeed> seeds;
   for (int32_t i = 1; i <= s.NbStart; ++i) {
     if (s.DuStart[i] == kUnknownValue || s.DvStart[i] == kUnknownValue) continue;
+    if (auto problem = StartPointProblem(s, i)) return *problem;
     int32_t nearest = 0;
-    double best = std::numeric_limits<double>::max();
-    // In floating point: a start point's coordinates come from the file and may be anything.
+    int64_t best = std::numeric_limits<int64_t>::max();
     for (int32_t k = 1; k <= s.NbPat; ++k) {
-      const double d = std::hypot(static_cast<double>(s.XPat[k]) - s.XStart[i], static_cast<double>(s.YPat[k]) - s.YStart[i]);
-      if (d < best) best = d, nearest = k;
+      const int64_t dx = s.XPat[k] - s.XStart[i], dy = s.YPat[k] - s.YStart[i];
+      if (dx * dx + dy * dy < best) best = dx * dx + dy * dy, nearest = k;
     }
     seeds.push_back({nearest, static_cast<double>(s.DuStart[i]), static_cast<double>(s.DvStart[i])});
   }
@@ -57,7 +72,9 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
   auto job = std::make_unique<LoadedJob>();
   if (auto error = LoadJob(*job, dataDir, name)) return Failure(*error);
   const AppState& s = job->s;
-  const std::vector<StartSeed> seeds = StartSeeds(s);
+  const auto found = StartSeeds(s);
+  if (const auto* problem = std::get_if<std::string>(&found)) return Failure(path + ": " + *problem);
+  const auto& seeds = std::get<std::vector<StartSeed>>(found);
   if (seeds.empty()) return Failure(path + ": no start point with a known displacement");
 
   const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});

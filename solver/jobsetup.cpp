@@ -17,13 +17,17 @@ void StoreAreas(const AreaContent& areas, AppState& s) {
   for (int32_t i = 1; i <= areas.gages.Count(); ++i) StoreGaugeAreas(s, areas.gages.Get(i), i);
 }
 
-// Both pictures, whole: a job can't correlate what a picture doesn't hold.
-std::string ReadPicturePair(AppState& s) {
-  if (ChargePicArea(s) && !s.PixRef.Empty() && !s.PixDef.Empty()) return {};
-  return "picture " + s.PicRefPath + " or " + s.PicDefPath + " is missing or unreadable";
-}
-
 }  // namespace
+
+std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s) {
+  std::string problem = ReadWholePicture(refPath, s.PixRef, &s.PicRefPalette);
+  if (problem.empty()) problem = ReadWholePicture(defPath, s.PixDef, &s.PicDefPalette);
+  if (!problem.empty()) return problem;
+  // The grid follows the deformed picture's size, as when the setup window loads the pair.
+  s.Lima = s.PixDef.UpperX();
+  s.Hima = s.PixDef.UpperY();
+  return {};
+}
 
 std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name) {
   AppState& s = job.s;
@@ -38,7 +42,8 @@ std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, c
   s.PicDefName = content->pictures.picDef;
   s.PicRefPath = JoinPath(dataDir, s.PicRefName);
   s.PicDefPath = JoinPath(dataDir, s.PicDefName);
-  if (std::string problem = ReadPicturePair(s); !problem.empty()) return name + ": " + problem;
+  if (std::string problem = ReadPicturePair(s.PicRefPath, s.PicDefPath, s); !problem.empty())
+    return name + ": " + problem;
   ApplyParameters(content->parameters, s);
   ClampParameters(s);
   if (!AllocPat(s)) return name + ": " + TooManyPatternsMessage(s);

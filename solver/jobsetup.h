@@ -19,6 +19,11 @@ struct LoadedJob {
   PictureNames pictures;
 };
 
+// Reads both pictures of a job whole into PixRef and PixDef, sizing the
+// grid by the deformed one; what is wrong with the first that can't be
+// read, naming it, or the empty string.
+std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s);
+
 // Reads data file (or result file) `name` of `dataDir`; why it can't be used, or nothing.
 std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name);
 

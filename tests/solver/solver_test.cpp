@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <cstdlib>
 #include <sstream>
 
@@ -224,47 +225,87 @@ TEST(SolverSequences, IncrementalMembersAccumulateFromTheFirstPicture) {
 
 // Each bad job is skipped with a message naming its file, leaves no result,
 // and the good job beside it is still solved.
-TEST(SolverJobs, BadInputSkipsThatJobOnly) {
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    text.replace(at, from.size(), to);
+  return text;
+}
+
+// A picture file whose header says `width` x `height` over the pixels of `source`.
+std::string WithSize(std::string bmp, int32_t width, int32_t height) {
+  for (int i = 0; i < 4; ++i) {
+    bmp[18 + i] = static_cast<char>((static_cast<uint32_t>(width) >> (8 * i)) & 0xFF);
+    bmp[22 + i] = static_cast<char>((static_cast<uint32_t>(height) >> (8 * i)) & 0xFF);
+  }
+  return bmp;
+}
+
+TEST(SolverJobs, BadInputSkipsThatJobOnlyAndLeavesEveryFileAsItWas) {
   struct Case {
     const char* name;
     std::string data;      // the bad data file, "" for an unreadable entre.dat
     std::string expected;  // text of the message
+    // Writes the bad data file (and what it names) from the good one's text.
+    std::function<void(const TempDir&, const std::string& good)> make;
+  };
+  const auto faulty = [](const std::string& from, const std::string& to, const std::string& file) {
+    return [=](const TempDir& dir, const std::string& good) { dir.Write(file, Replaced(good, from, to)); };
+  };
+  const auto picture = [](int32_t width, int32_t height) {
+    return [=](const TempDir& dir, const std::string& good) {
+      dir.Write("odd.bmp", WithSize(dir.Read("ref.bmp"), width, height));
+      dir.Write("odd.don", Replaced(good, "PicRef=ref.bmp", "PicRef=odd.bmp"));
+    };
   };
   const Case cases[] = {
-      {"missing picture", "gone.don", "gone.bmp"},
-      {"no start point", "nostart.don", "nostart.don"},
-      {"start point on a blank region", "blank.don", "blank.don"},
-      {"missing data file", "absent.don", "absent.don"},
-      {"unreadable entre.dat", "", "entre.dat"},
+      {"missing picture", "gone.don", "gone.bmp", faulty("PicDef=def.bmp", "PicDef=gone.bmp", "gone.don")},
+      {"no start point", "nostart.don", "nostart.don",
+       [](const TempDir& dir, const std::string&) {
+         JobSetup bad;
+         bad.withStart = false;
+         testing::MakeDataFile(dir.Path(), "nostart.don", bad);
+       }},
+      {"start point on a blank region", "blank.don", "blank.don",
+       [](const TempDir& dir, const std::string& good) {
+         ASSERT_TRUE(SaveGreyBmp(dir.File("flat.bmp"), 160, 160, std::vector<uint8_t>(160 * 160, 90)));
+         dir.Write("blank.don", Replaced(Replaced(good, "ref.bmp", "flat.bmp"), "def.bmp", "flat.bmp"));
+       }},
+      {"missing data file", "absent.don", "absent.don", nullptr},
+      {"unreadable entre.dat", "", "entre.dat", nullptr},
+      {"start point beyond 32 bits", "far.don", "start point 1 at (-2147483648, ",
+       [](const TempDir& dir, const std::string& good) {
+         const size_t at = good.find("  x1=");
+         dir.Write("far.don", good.substr(0, at) + "  x1=-2147483648\n" + good.substr(good.find('\n', at) + 1));
+       }},
+      {"a header claiming more pixels than the file holds", "odd.don", "odd.bmp is cut short", picture(32768, 2048)},
+      {"a picture stored top-down", "odd.don", "odd.bmp stores its rows from the top down", picture(160, -160)},
+      {"a result given as data", "copy.res", "written over the data file itself",
+       [](const TempDir& dir, const std::string& good) { dir.Write("copy.res", good); }},
+      {"a directory as the previous result", "next.don", "next.don",
+       [](const TempDir& dir, const std::string& good) {
+         dir.Write("next.don", good + "[INCREMENTAL]\n  ResultFrom=.\n");
+       }},
+      {"the previous result as this member's result", "loop.don", "written over its previous result",
+       [](const TempDir& dir, const std::string& good) {
+         dir.Write("loop.res", "[RESULTS]\n");
+         dir.Write("loop.don", good + "[INCREMENTAL]\n  ResultFrom=loop.res\n");
+       }},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     TempDir dir;
     ASSERT_TRUE(synth::WriteSyntheticPair(dir.Path(), Pictures(160), {FieldKind::Translation, 1.0, 0.0}));
     testing::MakeDataFile(dir.Path(), "good.don", JobSetup{});
-    // The bad files are the good one with a fault put in.
-    const std::string good = dir.Read("good.don");
-    const auto replaced = [](std::string text, const std::string& from, const std::string& to) {
-      for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-      return text;
-    };
-    if (c.data == "gone.don") dir.Write(c.data, replaced(good, "PicDef=def.bmp", "PicDef=gone.bmp"));
-    if (c.data == "nostart.don") {
-      JobSetup bad;
-      bad.withStart = false;
-      testing::MakeDataFile(dir.Path(), c.data, bad);
-    }
-    if (c.data == "blank.don") {
-      ASSERT_TRUE(SaveGreyBmp(dir.File("flat.bmp"), 160, 160, std::vector<uint8_t>(160 * 160, 90)));
-      dir.Write(c.data, replaced(replaced(good, "ref.bmp", "flat.bmp"), "def.bmp", "flat.bmp"));
-    }
+    if (c.make) c.make(dir, dir.Read("good.don"));
+    const std::string before = c.data.empty() ? "" : dir.Read(c.data);
+    const std::string resultBefore = c.data.empty() ? "" : dir.Read(Stem(c.data) + ".res");
     if (!c.data.empty()) dir.Write("entre.dat", c.data + "\ngood.don\n");
     std::ostringstream out;
     EXPECT_EQ(solver::RunJobs(dir.Path(), {2}, out), 1);
     EXPECT_NE(out.str().find(c.expected), std::string::npos) << out.str();
     if (c.data.empty()) continue;
-    EXPECT_TRUE(dir.Read(c.data.substr(0, c.data.size() - 4) + ".res").empty());
+    EXPECT_EQ(dir.Read(c.data), before) << "the data file is untouched";
+    EXPECT_EQ(dir.Read(Stem(c.data) + ".res"), resultBefore) << "no result is written";
     EXPECT_NE(out.str().find("1 of 2 jobs solved"), std::string::npos) << out.str();
   }
 }
