@@ -48,7 +48,7 @@ class ResultReader {
     keys_ = KeyFile::Parse(text_ ? *text_ : std::string_view());
     ReadFormingLimitCurve(s_);
     s_.FileDate = ReadReleaseDate(keys_);
-    if (!ReadPictureNames()) return Refuse();
+    if (!ReadPictureNames()) return Refuse(NotRightFormattedMessage(s_.DataFile));
     ReadPictureSize();
     if (FirstFile()) ReadParameters();
     ShowCaption();
@@ -61,7 +61,7 @@ class ResultReader {
     ReadUnits();
     const bool namesGauges = FirstFile() && OfferGauges();
     if (const auto start = ReadStartPoints(keys_, FileKind::Result)) ApplyStartPoints(*start, s_);
-    if (!ReadBlock()) return Refuse();
+    if (const auto problem = ReadBlock()) return Refuse(*problem);
     ComputeMeans();
     ui_.DoEvents();
     if (!keep_) SetUpView();
@@ -75,9 +75,8 @@ class ResultReader {
   const std::string& file() const { return s_.DataFile; }
   bool FirstFile() const { return index_ == 1; }
 
-  bool Refuse() {
+  bool Refuse(const std::string& message) {
     if (s_.DataFile.empty()) return false;
-    const std::string message = NotRightFormattedMessage(s_.DataFile);
     ui_.MessageBox(message, "", MsgButtons::Ok, MsgIcon::None);
     ui_.StatusLine(message);
     return false;
@@ -169,20 +168,27 @@ class ResultReader {
   // Nothing of the result changes until the block is known to fit: a file
   // without [RESULTS], or with more patterns than the grid of its picture
   // holds, is refused whole.
-  bool ReadBlock() {
-    if (!text_) return false;
-    LineCursor lines(*text_);
-    if (!SkipToResults(lines)) return false;
+  std::optional<std::string> ReadBlock() {
+    LineCursor lines(text_ ? *text_ : std::string_view());
+    if (!text_ || !SkipToResults(lines)) return NotRightFormattedMessage(s_.DataFile);
     const int64_t capacity = PatternCapacity(s_.Lima, s_.Hima, s_.Lpas);
-    if (FirstFile() ? capacity > kMaxMeshCells : capacity > s_.NbPatMax) return false;
-    if (CountPatternTurns(lines) > (FirstFile() ? capacity : PatternSlots(s_))) return false;
+    if (FirstFile() ? capacity > kMaxMeshCells : capacity > s_.NbPatMax) return TooManyPatternsMessage(s_);
+    const int64_t patterns = CountPatternTurns(lines);
+    if (patterns > (FirstFile() ? capacity : PatternSlots(s_))) return TooSmallPictureMessage(patterns);
     if (FirstFile()) {
-      if (!RedimResultats(s_)) return false;
+      if (!RedimResultats(s_)) return TooManyPatternsMessage(s_);
       ui_.DoEvents();
     }
     KeepHeadLines(lines.Consumed());
     ReadPatterns(lines);
-    return true;
+    return std::nullopt;
+  }
+
+  // The block holds more patterns than the grid of the picture the file names.
+  std::string TooSmallPictureMessage(int64_t patterns) const {
+    return "This file :" + s_.DataFile + " holds " + StrTrim(static_cast<double>(patterns)) +
+           " patterns, more than the grid of its picture " + s_.PicRefPath + " (" + StrTrim(s_.Lima) + " x " +
+           StrTrim(s_.Hima) + " pixels at a grid step of " + StrTrim(s_.Lpas) + ") can hold";
   }
 
   void KeepHeadLines(std::string_view head) {
