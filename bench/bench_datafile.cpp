@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "setup/areafiles.h"
 #include "formats/datafile.h"
+#include "setup/areafiles.h"
 #include "setup/areaform.h"
+#include "setup/param.h"
 #include "setup/picture.h"
 #include "state/files.h"
-#include "setup/param.h"
 #include "ui/scriptedui.h"
 
 namespace tessiva {

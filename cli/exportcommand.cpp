@@ -1,16 +1,16 @@
-#include "analysis/analysisfiles.h"
 #include "exportcommand.h"
 
 #include <filesystem>
 #include <map>
 
+#include "analysis/analysisfiles.h"
 #include "analysis/newanalyse.h"
 #include "commands.h"
 #include "results/exports.h"
 #include "results/resultfile.h"
+#include "setup/param.h"
 #include "state/files.h"
 #include "state/numtext.h"
-#include "setup/param.h"
 #include "ui/scriptedui.h"
 
 namespace tessiva::cli {

@@ -1,9 +1,9 @@
-#include "formats/sections.h"
 #include "batch/miseendonne.h"
 
 #include <gtest/gtest.h>
 
 #include "formats/datafile.h"
+#include "formats/sections.h"
 #include "state/files.h"
 #include "state/keyfile.h"
 #include "support/tempdir.h"

@@ -1,13 +1,13 @@
 // tessiva-cli: exit statuses and messages for bad input, and exports equal
 // to those of the analysis window for each of its settings.
-#include "analysis/analysisfiles.h"
-#include "commands.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <sstream>
 
+#include "analysis/analysisfiles.h"
+#include "commands.h"
 #include "results/analysisfixture.h"
 #include "results/exports.h"
 #include "state/files.h"

@@ -8,13 +8,13 @@
 #include <map>
 #include <random>
 
-#include "formats/sections.h"
 #include "analysis/analysisfiles.h"
-#include "setup/areafiles.h"
 #include "formats/datafile.h"
+#include "formats/sections.h"
 #include "formats/seqfile.h"
 #include "formats/setupwindow.h"
 #include "formats/sidefiles.h"
+#include "setup/areafiles.h"
 
 namespace tessiva {
 namespace {

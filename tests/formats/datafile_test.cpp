@@ -1,4 +1,3 @@
-#include "setup/areafiles.h"
 #include "formats/datafile.h"
 
 #include <gtest/gtest.h>
@@ -6,6 +5,7 @@
 #include <functional>
 
 #include "formats/setupwindow.h"
+#include "setup/areafiles.h"
 
 namespace tessiva {
 namespace {

@@ -1,12 +1,12 @@
-#include "analysis/analysisfiles.h"
-#include "setup/areafiles.h"
 #include "formats/seqfile.h"
 
 #include <gtest/gtest.h>
 
 #include <utility>
 
+#include "analysis/analysisfiles.h"
 #include "formats/setupwindow.h"
+#include "setup/areafiles.h"
 
 namespace tessiva {
 namespace {

@@ -1,5 +1,3 @@
-#include "analysis/analysisfiles.h"
-#include "setup/areafiles.h"
 #include "formats/sidefiles.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +5,9 @@
 #include <filesystem>
 #include <functional>
 
+#include "analysis/analysisfiles.h"
 #include "formats/setupwindow.h"
+#include "setup/areafiles.h"
 #include "state/files.h"
 #include "state/keyfile.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <tuple>
 
-#include "setup/areafiles.h"
 #include "engine_fixture.h"
 #include "formats/datafile.h"
+#include "setup/areafiles.h"
 
 namespace tessiva {
 namespace {
