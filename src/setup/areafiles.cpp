@@ -67,44 +67,48 @@ class DataFileReader {
   DataFileReader(AreaForm& form, int index)
       : form_(form), s_(form.State()), index_(index), keys_(KeyFile::Load(s_.DataFilePath[At(index)])) {}
 
-  bool Read(bool headerOnly) {
+  // Nothing when the file was read to its end, or to the end of its header;
+  // else the status text of the failure.
+  std::optional<std::string> Read(bool headerOnly) {
     s_.DataFile = s_.DataFilePath[At(index_)];
     s_.FileDate = ReadReleaseDate(keys_);
     const auto pictures = ReadPictureNames(keys_);
-    if (!pictures) return false;
+    if (!pictures) return Unusable();
     SetPictures(*pictures);
-    if (!form_.LoadPictures()) return false;
+    if (!form_.LoadPictures()) return Unusable();
     form_.Controls().SetText("Text1", s_.DataFileName[At(index_)]);
     if (index_ == 1) TakeParameters(ReadParameters(keys_));
     s_.Lpat = s_.LpatMin;
     s_.Lpas = 2 * (s_.Lgrid / 2);
-    if (!AllocPat(s_)) return false;
+    if (!AllocPat(s_)) return TooManyPatternsMessage(s_);
     form_.DeleteAOI();
     ApplyUnits(ReadUnits(keys_, "Pixel"), s_);
     ShowUnits(form_.Controls(), s_);
     const auto extra = ReadExtraValues(keys_);
-    if (!extra) return false;
+    if (!extra) return Unusable();
     if (*extra) ShowExtraValues(form_.Controls(), **extra);
-    if (headerOnly) return true;
+    if (headerOnly) return std::nullopt;
     ApplyMaterial(ReadMaterial(keys_), s_);
     ApplyFormingLimitZone(ReadFormingLimitZone(keys_), s_);
     ApplyCrack(ReadCrack(keys_), s_);
     form_.Parameters().ParamShow();
     const auto outlines = ReadOutlines(keys_, FileKind::DataFile);
-    if (!outlines) return false;
+    if (!outlines) return Unusable();
     ApplyOutlines(*outlines, s_);
     const auto gages = ReadGages(keys_);
-    if (!gages) return false;
+    if (!gages) return Unusable();
     AddGauges(form_, *gages);
     form_.CreateRectArea();
     const auto start = ReadStartPoints(keys_, FileKind::DataFile);
-    if (!start) return false;
+    if (!start) return Unusable();
     ApplyStartPoints(*start, s_);
     if (s_.NbStart != 0) ShowStartPoints();
-    return true;
+    return std::nullopt;
   }
 
  private:
+  std::string Unusable() const { return NotRightFormattedMessage(s_.DataFile); }
+
   void SetPictures(const PictureNames& p) {
     s_.PicRefName = p.picRef;
     s_.PicDefName = p.picDef;
@@ -199,9 +203,9 @@ bool LecDonArea(AreaForm& form, int index, bool headerOnly) {
   AppState& s = form.State();
   if (!IsMember(s, index)) return false;
   BusyPointer busy(form.Ui());
-  const bool read = DataFileReader(form, index).Read(headerOnly);
-  if (!read && !s.DataFile.empty()) form.Ui().StatusLine(NotRightFormattedMessage(s.DataFile));
-  return read;
+  const auto problem = DataFileReader(form, index).Read(headerOnly);
+  if (problem && !s.DataFile.empty()) form.Ui().StatusLine(*problem);
+  return !problem;
 }
 
 bool LecSeq(AreaForm& form) {

@@ -62,10 +62,9 @@ std::string TooManyPatternsMessage(const AppState& s) {
 }
 
 bool AllocPatAndPictures(AppState& s) {
-  if (!AllocPat(s)) return false;
   s.PixRef.Allocate(s.Lima, s.Hima);
   s.PixDef.Allocate(s.Lima, s.Hima);
-  return true;
+  return AllocPat(s);
 }
 
 }  // namespace tessiva

@@ -34,7 +34,8 @@ int64_t PatternCapacity(int32_t lima, int32_t hima, int32_t lpas);
 bool AllocPat(AppState& s);
 // What AllocPat says when it refuses the grid in force.
 std::string TooManyPatternsMessage(const AppState& s);
-// The same, and the two picture arrays too (a picture or a result file is read).
+// The two picture arrays for the picture size, and the same (a picture or a
+// result file is read); the pictures are renewed even when the grid is refused.
 bool AllocPatAndPictures(AppState& s);
 
 }  // namespace tessiva
