@@ -45,7 +45,10 @@ class ResultReader {
   bool Read() {
     s_.DataFile = s_.DataFilePath[At(index_)];
     text_ = ReadWholeFile(file());
-    keys_ = KeyFile::Parse(text_ ? *text_ : std::string_view());
+    // The head is a key-file; the block behind [RESULTS] is read line by line.
+    block_ = LineCursor(text_ ? *text_ : std::string_view());
+    hasBlock_ = SkipToResults(block_);
+    keys_ = KeyFile::Parse(block_.Consumed());
     ReadFormingLimitCurve(s_);
     s_.FileDate = ReadReleaseDate(keys_);
     if (!ReadPictureNames()) return Refuse(NotRightFormattedMessage(s_.DataFile));
@@ -169,8 +172,8 @@ class ResultReader {
   // without [RESULTS], or with more patterns than the grid of its picture
   // holds, is refused whole.
   std::optional<std::string> ReadBlock() {
-    LineCursor lines(text_ ? *text_ : std::string_view());
-    if (!text_ || !SkipToResults(lines)) return NotRightFormattedMessage(s_.DataFile);
+    if (!hasBlock_) return NotRightFormattedMessage(s_.DataFile);
+    LineCursor lines = block_;
     const int64_t capacity = PatternCapacity(s_.Lima, s_.Hima, s_.Lpas);
     if (FirstFile() ? capacity > kMaxMeshCells : capacity > s_.NbPatMax) return TooManyPatternsMessage(s_);
     const int64_t patterns = CountPatternTurns(lines);
@@ -312,6 +315,8 @@ class ResultReader {
   int32_t index_;
   bool keep_;
   std::optional<std::string> text_;
+  LineCursor block_{std::string_view()};  // just past the [RESULTS] line
+  bool hasBlock_ = false;
   KeyFile keys_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -113,12 +114,17 @@ LineCursor::LineCursor(std::string_view text) : text_(text) {
   if (text_.starts_with(kByteOrderMark)) pos_ = kByteOrderMark.size();
 }
 
+// Two memchr scans a line, LF first: a result file has a million lines, and
+// a search for either ending at once is several times slower.
 std::string_view LineCursor::Next() {
   if (AtEnd()) return {};
-  std::size_t end = text_.find_first_of("\r\n", pos_);
-  if (end == std::string_view::npos) end = text_.size();
+  std::size_t lf = text_.find('\n', pos_);
+  if (lf == std::string_view::npos) lf = text_.size();
+  const void* cr = std::memchr(text_.data() + pos_, '\r', lf - pos_);
+  const std::size_t end = cr ? static_cast<std::size_t>(static_cast<const char*>(cr) - text_.data()) : lf;
   const std::string_view line = text_.substr(pos_, end - pos_);
-  pos_ = text_.compare(end, 2, "\r\n") == 0 ? end + 2 : end + 1;
+  // CR LF is one ending; a lone CR ends a line by itself.
+  pos_ = end + 1 < text_.size() && text_[end] == '\r' && text_[end + 1] == '\n' ? end + 2 : end + 1;
   return line;
 }
 
