@@ -15,6 +15,7 @@
 #include "results/resultfile.h"
 #include "setup/param.h"
 #include "setup/picture.h"
+#include "state/files.h"
 #include "state/keyfile.h"
 #include "state/parameters.h"
 #include "ui/scriptedui.h"
@@ -24,15 +25,22 @@ using namespace tessiva;
 namespace {
 
 // A grid of more cells than this is passed over: the reader takes it, but
-// sizing and meshing it would spend a run's time on arrays of zeros.
-constexpr int64_t kMostCells = int64_t{1} << 16;
+// sizing and meshing it would spend the run on arrays of zeros.
+constexpr int64_t kMostCells = int64_t{1} << 12;
 // The side the reader takes for a picture the file doesn't size and that can't be read.
 constexpr int32_t kUnsizedSide = 2048;
 
-bool GridTooLarge(std::string_view text) {
+// The grid the reader will lay: the file's picture size, else its reference picture's.
+bool GridTooLarge(std::string_view text, const std::string& dir) {
   const KeyFile keys = KeyFile::Parse(text);
   int32_t lima = keys.Int("PICTURES", "Lima", 0), hima = keys.Int("PICTURES", "Hima", 0);
-  if (lima == 0 || hima == 0) lima = hima = kUnsizedSide;
+  if (lima == 0 || hima == 0) {
+    const auto ref = keys.Text("PICTURES", "PicRefini") ? keys.Text("PICTURES", "PicRefini") : keys.Text("PICTURES", "PicRef");
+    GreyArray picture;
+    const bool read = ref && ReadWholePicture(JoinPath(dir, *ref), picture).empty();
+    lima = read ? picture.UpperX() : kUnsizedSide;
+    hima = read ? picture.UpperY() : kUnsizedSide;
+  }
   const int32_t lgrid = keys.Int("PARAMETERS", "Lgrid", Parameters{}.lgrid);
   return PatternCapacity(lima, hima, 2 * (lgrid / 2)) > kMostCells;
 }
@@ -65,8 +73,8 @@ void CheckCounts(const AppState& s) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  if (GridTooLarge(text)) return 0;
   const std::string& dir = Dir();
+  if (GridTooLarge(text, dir)) return 0;
   const std::string path = fuzz::WriteFile(dir, "r.res", text);
   const auto before = fuzz::Snapshot(dir);
 
