@@ -3,6 +3,7 @@
 // before it agree; and the setup window's reader, with the input as the
 // reference or as the deformed picture beside a good one, leaves pictures of
 // one size with levels 0 to 255. No picture file changes.
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -17,6 +17,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -37,7 +38,11 @@ namespace tessiva::fuzz {
     if (!(condition)) ::tessiva::fuzz::Fail(__FILE__, __LINE__, #condition, (detail)); \
   } while (0)
 
-inline std::string Num(double value) { return std::to_string(value); }
+inline std::string Num(double value) {
+  std::ostringstream text;
+  text << value;
+  return text.str();
+}
 
 // A directory of its own under the system's temporary directory, made on the
 // first call and removed when the process ends normally (a crash leaves it
