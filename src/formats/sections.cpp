@@ -31,7 +31,8 @@ double Decimal(const KeyFile& keys, std::string_view section, std::string_view k
   return text ? ValNorm(*text) : def;
 }
 
-AreaSlot ReadSlot(const KeyFile& keys, int32_t i, FileKind kind) {
+// The tag and vertex count of slot i; its vertices are read once the count is known to fit.
+AreaSlot ReadSlotHead(const KeyFile& keys, int32_t i, FileKind kind) {
   AreaSlot slot;
   if (kind != FileKind::Result) {
     slot.tag = keys.Int("OUTLINES", NumberedKey("TagBox", i), -1);
@@ -39,6 +40,10 @@ AreaSlot ReadSlot(const KeyFile& keys, int32_t i, FileKind kind) {
     if (slot.skipped) return slot;
   }
   slot.nbox = keys.Int("OUTLINES", NumberedKey("Nbox", i), kind == FileKind::AreaSet ? -1 : 0);
+  return slot;
+}
+
+void ReadVertices(const KeyFile& keys, int32_t i, FileKind kind, AreaSlot& slot) {
   for (int32_t j = 1; j <= slot.nbox; ++j) {
     if (kind == FileKind::AreaSet) {
       const int32_t x = keys.Int("OUTLINES", NumberedKey("x", i, j), kMinusOne);
@@ -53,7 +58,6 @@ AreaSlot ReadSlot(const KeyFile& keys, int32_t i, FileKind kind) {
     slot.vertices.push_back({x, std::nullopt});
     if (x != kUnknownValue) slot.vertices.back().y = keys.Int("OUTLINES", NumberedKey("y", i, j), kUnknownValue);
   }
-  return slot;
 }
 
 // A data or result file: a point whose x or y is missing is passed over; an
@@ -200,11 +204,12 @@ Parsed<Outlines> ReadOutlines(const KeyFile& keys, FileKind kind) {
     return CountError("OUTLINES", "Number", number, AppState::kMaxAreas, "areas");
   outlines.areas = number;
   for (int32_t i = 1; i <= number; ++i) {
-    AreaSlot slot = ReadSlot(keys, i, kind);
+    AreaSlot slot = ReadSlotHead(keys, i, kind);
     const int32_t lowest = kind == FileKind::AreaSet ? -1 : 0;
     if (!slot.skipped && !InRange(slot.nbox, lowest, AppState::kMaxVertices))
       return CountError("OUTLINES", NumberedKey("Nbox", i), slot.nbox, AppState::kMaxVertices, "vertices");
     if (slot.skipped) --outlines.areas;
+    else ReadVertices(keys, i, kind, slot);
     outlines.slots.push_back(std::move(slot));
   }
   return outlines;

@@ -85,6 +85,8 @@ TEST(SharedSections, CountsBeyondTheStoresAreParseErrorsNamingTheKey) {
   const std::tuple<const char*, Reader, const char*> cases[] = {
       {"[OUTLINES]\n  Number=21\n", outlines, "[OUTLINES] Number=21"},
       {"[OUTLINES]\n  Number=1\n  Nbox1=52\n", outlines, "[OUTLINES] Nbox1=52"},
+      // Refused before its vertices are looked up: a count read first would cost minutes.
+      {"[OUTLINES]\n  Number=1\n  Nbox1=2147483647\n", outlines, "[OUTLINES] Nbox1=2147483647"},
       {"[STARTPOINTS]\n  Number=1000\n", [](const KeyFile& k) { return ErrorOf(ReadStartPoints(k, FileKind::AreaSet)); },
        "[STARTPOINTS] Number=1000"},
       {"[GAGES]\n  Number=1000\n", [](const KeyFile& k) { return ErrorOf(ReadGages(k)); }, "[GAGES] Number=1000"},
