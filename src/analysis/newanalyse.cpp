@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "analysis/analysisfiles.h"
+#include "analysis/fieldlist.h"
+#include "results/meshdraw.h"
+#include "results/resultfile.h"
 #include "results/scale.h"
 #include "results/strains.h"
 #include "state/files.h"
@@ -162,9 +166,246 @@ void NewAnalyse::CalculKI() {}
 void NewAnalyse::AfficheKI(bool) {}
 // Filled in with the areas of selection and the gauges.
 void NewAnalyse::AfficheEtTraiteAOS(bool) {}
-// Filled in with the field maps.
-void NewAnalyse::PicAnaRefresh() {}
-// Filled in with the analysis window's layout.
-void NewAnalyse::LayOutPicAna() {}
+// Filled in with the forming-limit analysis.
+void NewAnalyse::AfficheCLF(int32_t) {}
+// PicAna takes the size of the picture at the view's zoom; its scroll view shows what fits.
+void NewAnalyse::LayOutPicAna() {
+  const AnalysisPicture& picture = OnFinal() ? PicAnaTemp2 : PicAnaTemp;
+  controls_.SetBounds("PicAna", 0, 0, std::max(1, RoundToInt32(picture.Width() * View.Zoom)),
+                      std::max(1, RoundToInt32(picture.Height() * View.Zoom)));
+}
+
+namespace {
+
+constexpr const char* kSmoothings[] = {"2", "3", "4", "5", "6", "8", "10"};
+constexpr Colour kMedianColour = 0xFA0A96;  // RGB(250, 10, 150)
+constexpr int kIsoValueColour = 12;
+constexpr int kBarGrey = 8;
+constexpr int kWindowColour = 15;
+constexpr const char* kNoValidData = "No valid pattern in this result";
+
+// The view of each kind of AfficheDuDv.
+constexpr int32_t kDuDvViews[] = {kViewU, kViewV, kViewNorm, kViewEcart};
+// A range of zero width is opened downwards by this much before a map.
+constexpr double kMapOpening = 0.00001;
+
+}  // namespace
+
+void NewAnalyse::InitToolbar() {
+  std::vector<std::string> fields;
+  for (const FieldEntry& entry : FieldEntries()) fields.emplace_back(entry.listText);
+  controls_.SetItems("Combo2", std::move(fields));
+  controls_.SetItems("SmoothCombo", {std::begin(kSmoothings), std::end(kSmoothings)});
+  controls_.SetText("SmoothCombo", kSmoothings[0]);
+  controls_.SetChecked("PictureShow", true);
+  controls_.SetChecked("Option3(1)", true);
+  controls_.SetChecked("Option2(0)", true);
+  controls_.SetChecked("OptionMinMax(0)", true);
+  controls_.SetText("TextMagni", "1");
+}
+
+void NewAnalyse::Load() {
+  Cos2Teta = 1.0;
+  Sin2Teta = 0.0;
+  bInitial = true;
+  View.Zoom = 1.0;
+  InitToolbar();
+  LecSeqResults(s_, ui_, controls_);
+  CurFile = 1;
+  VueCourante = kViewU;
+  controls_.Update("Combo2", [](ControlState& c) { c.listIndex = 0; });
+  ShowViewTexts();
+  controls_.SetChecked("Timer1", true);
+}
+
+void NewAnalyse::OnTimer1() {
+  if (!controls_.Checked("Timer1")) return;
+  controls_.SetChecked("Timer1", false);
+  LecRes(*this, CurFile, false);
+  PicAnaRefresh();
+}
+
+void NewAnalyse::OnCombo2Click(int32_t index) {
+  const FieldEntry* entry = FieldAt(index);
+  if (!entry) return;
+  if (index == kFlcDeterminationEntry && !s_.ClfMode) {
+    ui_.MessageBox("Sorry this option is not available with this results file", "", MsgButtons::Ok,
+                   MsgIcon::Information);
+    controls_.Update("Combo2", [this](ControlState& c) { c.listIndex = FieldIndexOfView(VueCourante).value_or(0); });
+    return;
+  }
+  DeleteAOS(s_, "temp");
+  controls_.Update("Combo2", [index](ControlState& c) { c.listIndex = index; });
+  if (entry->view) VueCourante = *entry->view;
+  PicAnaRefresh();
+}
+
+void NewAnalyse::OnPicAnaMouseMove(double x, double y) {
+  std::string text = "X=" + Format(x * s_.UnitPX, "0.000") + " Y=" + Format(y * s_.UnitPY, "0.000");
+  const double value = DonneIso(x, y, VueCourante);
+  const FieldEntry* entry = FieldAt(FieldIndexOfView(VueCourante).value_or(-1));
+  if (value != kFenceValue && entry && VueCourante != kViewDeformedMesh && VueCourante != kViewVectors)
+    text += "  " + std::string(entry->listText) + "=" + Format(value * DisplayUnit(VueCourante, s_.UnitPX, s_.UnitPY), "0.000E+0");
+  ui_.StatusPos(text);
+}
+
+double NewAnalyse::DonneIso(double x, double y, int32_t view, bool turned) const {
+  return tessiva::DonneIso(s_, FieldSettingsNow(), x, y, view, turned);
+}
+
+FieldSettings NewAnalyse::FieldSettingsNow() const {
+  return {ShowBad(), SubMean(), bInitial, &Distor, Teta1, Cos2Teta, Sin2Teta};
+}
+
+MapOptions NewAnalyse::MapOptionsNow() const {
+  const int32_t smooth = controls_.Checked("Interpolation") ? RoundToInt32(ValNorm(controls_.Text("SmoothCombo"))) : 1;
+  return {std::max(1, smooth), OnFinal(), StyleColorIdx};
+}
+
+void NewAnalyse::ShowViewTexts() {
+  const FieldEntry* entry = FieldAt(FieldIndexOfView(VueCourante).value_or(-1));
+  if (!entry) return;
+  const UnitNames units{s_.UnitNameX, s_.UnitNameY, UniteLabels[4].empty() ? s_.UnitNameX : UniteLabels[4]};
+  const std::string title = FieldTitle(*entry, units);
+  controls_.SetText("Titre", title);
+  controls_.SetText("CadreIso", ScaleCaption(*entry, units));
+  ui_.StatusLine(title);
+  const double h = HalfCell(s_);
+  controls_.SetBounds("ReferenceBox", RoundToInt32(s_.XPatMin - h), RoundToInt32(s_.YPatMin - h),
+                      RoundToInt32(s_.XPatMax - s_.XPatMin + 2 * h), RoundToInt32(s_.YPatMax - s_.YPatMin + 2 * h));
+  controls_.SetVisible("ReferenceBox", controls_.Checked("ShowReference"));
+}
+
+void NewAnalyse::AffichePicAna() {
+  if (!PicAna) return;
+  const AnalysisPicture& picture = OnFinal() ? PicAnaTemp2 : PicAnaTemp;
+  PicAna->SetScale(0, 0, picture.Width(), picture.Height());
+  if (picture.Pixels.Empty()) {
+    PicAna->Clear();
+    return;
+  }
+  const IndexedPicture source{picture.Pixels.Data(), picture.Width(), picture.Height(), picture.Pixels.Stride(),
+                              picture.Palette.data()};
+  PicAna->DrawPicture(source, 0, 0, picture.Width(), picture.Height(), 0, 0, PicAna->PixelWidth(),
+                      PicAna->PixelHeight());
+}
+
+void NewAnalyse::PicAnaRefresh() {
+  ShowViewTexts();
+  Palette.DebordeOn = controls_.Checked("Deborde");
+  if (!PicAna) return;
+  if (controls_.Checked("PictureShow")) {
+    AffichePicAna();
+  } else {
+    const AnalysisPicture& picture = OnFinal() ? PicAnaTemp2 : PicAnaTemp;
+    PicAna->SetScale(0, 0, picture.Width(), picture.Height());
+    PicAna->Clear();
+  }
+  if (Ranges.MaxU == kNoData || Ranges.MaxV == kNoData || s_.NbPat <= 0) {
+    ui_.StatusLine(kNoValidData);
+    PicAna->Refresh();
+    return;
+  }
+  if (VueCourante == kViewDeformedMesh || VueCourante == kViewVectors) {
+    Magni = Amplification(controls_.Checked("Amplification"), controls_.Text("TextMagni"));
+    VueCourante == kViewDeformedMesh ? AfficheDeforme() : AfficheVector();
+  } else if (VueCourante == kViewFlcDiagram || VueCourante == kViewFlcDetermination) {
+    AfficheCLF(VueCourante);
+  } else if (VueCourante == kViewU || VueCourante == kViewV || VueCourante == kViewNorm) {
+    AfficheDuDv(VueCourante - kViewU);
+  } else if (VueCourante == kViewEcart) {
+    AfficheDuDv(3);
+  } else {
+    AfficheE1E2(VueCourante);
+  }
+  if (VueCourante != kViewDeformedMesh && VueCourante != kViewVectors) DrawDistribution();
+  PicAna->Refresh();
+}
+
+void NewAnalyse::AfficheDuDv(int kind) {
+  if (kind < 0 || kind > 3) return;
+  const int32_t view = kDuDvViews[kind];
+  if (Ranges.MinU == Ranges.MaxU) Ranges.MinU = Ranges.MaxU - kMapOpening;
+  if (Ranges.MinV == Ranges.MaxV) Ranges.MinV = Ranges.MaxV - kMapOpening;
+  if (Ranges.MinN == Ranges.MaxN) Ranges.MinN = Ranges.MaxN - kMapOpening;
+  if (s_.EcartMin == s_.EcartMax) s_.EcartMin = s_.EcartMax + kMapOpening;
+  const ViewRange range = CurrentRange(view);
+  PaintColourMap(view, {*range.max, *range.min}, DisplayUnit(view, s_.UnitPX, s_.UnitPY));
+}
+
+void NewAnalyse::AfficheE1E2(int32_t view) {
+  const ViewRange range = CurrentRange(view);
+  if (!range.max) return;
+  PaintColourMap(view, {*range.max, *range.min}, 1.0);
+}
+
+void NewAnalyse::PaintColourMap(int32_t view, ColourRange range, double unit) {
+  BusyPointer busy(ui_);
+  AfficheEchelleNew();
+  ShowScaleLabels(range, unit);
+  if (!PicAna) return;
+  Histo = view == kViewTresca
+              ? PaintIsostatic(*PicAna, s_, FieldSettingsNow(), Palette, StyleColorIdx, range)
+              : PaintFieldSquares(*PicAna, s_, FieldSettingsNow(), view, MapOptionsNow(), Palette, range);
+  HistoMax = *std::max_element(Histo.begin(), Histo.end());
+}
+
+void NewAnalyse::ShowScaleLabels(ColourRange range, double unit) {
+  const auto labels = ScaleLabels(range, unit);
+  for (size_t j = 0; j < labels.size(); ++j) controls_.SetText("LabEchelle(" + std::to_string(j) + ")", labels[j]);
+}
+
+void NewAnalyse::AfficheDeforme() {
+  BusyPointer busy(ui_);
+  ShowGreyBar();
+  DrawDeformedMesh(*PicAna, s_, FieldSettingsNow(), Magni);
+}
+
+void NewAnalyse::AfficheVector() {
+  BusyPointer busy(ui_);
+  ShowGreyBar();
+  DrawDisplacementVectors(*PicAna, s_, FieldSettingsNow(), Magni, MapOptionsNow().smooth);
+}
+
+// The mesh and vector views show the norm's range on a plain grey bar, without its pointer.
+void NewAnalyse::ShowGreyBar() {
+  ShowScaleLabels({Ranges.MaxN, Ranges.MinN}, DisplayUnit(kViewNorm, s_.UnitPX, s_.UnitPY));
+  controls_.SetVisible("IsoLine", false);
+  controls_.SetVisible("IsoLabel", false);
+  if (!IsoPic) return;
+  IsoPic->SetScale(0, 0, 1, 1);
+  IsoPic->FilledBox(0, 0, 1, 1, QBColor(kBarGrey));
+  IsoPic->Refresh();
+}
+
+// The curve spans the bar: bin j of 101 at j/100 of its width, the largest
+// count at its top. The median is the first bin where the running count
+// passes half the total.
+void NewAnalyse::DrawDistribution() {
+  if (!IsoPic || HistoMax == 0) return;
+  const double w = IsoPic->ScaleWidth(), h = IsoPic->ScaleHeight(), top = IsoPic->ScaleTop();
+  const double left = IsoPic->ScaleLeft();
+  const auto heightOf = [&](size_t j) { return top + h - h * Histo[j] / HistoMax; };
+  const auto xOf = [&](double bin) { return left + w * bin / 100.0; };
+  for (size_t j = 0; j + 1 < Histo.size(); ++j)
+    IsoPic->Line(xOf(double(j)), heightOf(j), xOf(double(j + 1)), heightOf(j + 1), QBColor(0));
+  int64_t total = 0;
+  for (const int32_t count : Histo) total += count;
+  int64_t running = 0;
+  for (size_t j = 0; j < Histo.size(); ++j) {
+    running += Histo[j];
+    if (2 * running > total) {
+      IsoPic->Line(xOf(double(j)), top, xOf(double(j)), top + h, kMedianColour);
+      break;
+    }
+  }
+  const ViewRange range = CurrentRange(VueCourante);
+  if (controls_.Checked("ShowIsoCheck") && range.max && *range.max != *range.min) {
+    const double unit = DisplayUnit(VueCourante, s_.UnitPX, s_.UnitPY);
+    const double at = (IsoCourante / unit - *range.min) / (*range.max - *range.min) * 100.0;
+    IsoPic->Line(xOf(at), top, xOf(at), top + h, QBColor(kIsoValueColour));
+  }
+  IsoPic->Refresh();
+}
 
 }  // namespace tessiva

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "results/distortion.h"
+#include "results/fieldmap.h"
 #include "results/palette.h"
 #include "results/ranges.h"
 #include "state/appstate.h"
@@ -96,6 +97,10 @@ class NewAnalyse {
   int32_t HistoMax = 0;
   // The colour bar's surface; the bar isn't drawn while none is attached.
   Canvas* IsoPic = nullptr;
+  // The map's surface, in picture pixels; nothing is painted while none is attached.
+  Canvas* PicAna = nullptr;
+  // The amplification of the mesh and vector views.
+  double Magni = 1.0;
 
   // "Show Bad Pattern" (check box Bad): 1 when patterns that aren't good are shown.
   int32_t ShowBad() const { return controls_.Checked("Bad") ? 1 : 0; }
@@ -103,6 +108,28 @@ class NewAnalyse {
   bool OnFinal() const { return controls_.Checked("Option3(0)"); }
   // "Substract mean" (check box SubMeanCheck): 1 when the means are taken off displacements.
   int32_t SubMean() const { return controls_.Checked("SubMeanCheck") ? 1 : 0; }
+
+  // The window's load: the field list and options, the member list of the
+  // sequence, and Timer1 started to read the first member.
+  void Load();
+  // Timer1 fires once: the first member is read and shown.
+  void OnTimer1();
+  // A click on entry `index` of the field list Combo2.
+  void OnCombo2Click(int32_t index);
+  // The pointer over the map at (x, y), picture pixels: the position in the
+  // user's unit and the value of the field there go to StatusPos.
+  void OnPicAnaMouseMove(double x, double y);
+
+  // The value of a view at a point of the picture, 99999 where no usable pattern lies.
+  double DonneIso(double x, double y, int32_t view, bool turned = true) const;
+  // Copies the picture the map stands on into PicAna.
+  void AffichePicAna();
+  // The displacement and accuracy maps: kind 0 U, 1 V, 2 the norm, 3 the scatter.
+  void AfficheDuDv(int kind);
+  // The strain and angle maps, and the isostatic lines of view 8.
+  void AfficheE1E2(int32_t view);
+  void AfficheDeforme();
+  void AfficheVector();
 
   // The strain calculation at the corners and nodes, then the strain ranges.
   // Skipped entirely when the displacement range found no valid node.
@@ -143,11 +170,24 @@ class NewAnalyse {
   virtual void AfficheEtTraiteAOS(bool showHead);
   // Repaints the map.
   virtual void PicAnaRefresh();
+  // Draws the forming-limit views 15 and 16.
+  virtual void AfficheCLF(int32_t view);
   // Sizes and centres PicAna and Repere in their frame.
   virtual void LayOutPicAna();
 
  private:
   RangeSettings RangeSettingsNow() const;
+  FieldSettings FieldSettingsNow() const;
+  MapOptions MapOptionsNow() const;
+  void InitToolbar();
+  // Titles, captions and the reference box of the view on show.
+  void ShowViewTexts();
+  // Paints a colour map of `view` over the bar and labels of its range.
+  void PaintColourMap(int32_t view, ColourRange range, double unit);
+  void ShowScaleLabels(ColourRange range, double unit);
+  void ShowGreyBar();
+  // The distribution of the last map over the bar, with its median and the isovalue.
+  void DrawDistribution();
   ViewRange CurrentRange(int32_t view);
   void RestoreStoredRange(int32_t view);
   void ShowIsoPointer(double x);

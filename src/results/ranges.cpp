@@ -5,6 +5,7 @@
 
 #include "results/mesh.h"
 #include "results/resultfile.h"
+#include "results/strains.h"
 #include "state/numtext.h"
 
 namespace tessiva {
@@ -134,20 +135,10 @@ void TrimDisplacementRanges(const AppState& s, ValueRanges& r) {
   for (size_t m = 0; m < kDisplacementRanges.size(); ++m) Trim(histograms[m], r, kDisplacementRanges[m]);
 }
 
-struct StrainTensor {
-  double e11, e22, e12;
-};
-
-// The rotation of a strain tensor to axes turned by theta, given cos and sin of 2 theta.
-StrainTensor Turned(const StrainTensor& e, double c, double n) {
-  const double mean = (e.e11 + e.e22) / 2, half = (e.e11 - e.e22) / 2;
-  return {e.e12 * n + mean + half * c, mean - half * c - e.e12 * n, e.e12 * c - half * n};
-}
-
 // The tensor rotation is applied to the extreme values, not to each node.
 void TurnStrainRanges(ValueRanges& r, double cos2Teta, double sin2Teta) {
-  const StrainTensor high = Turned({r.MaxE11, r.MaxE22, r.MaxE12}, cos2Teta, sin2Teta);
-  const StrainTensor low = Turned({r.MinE11, r.MinE22, r.MinE12}, cos2Teta, sin2Teta);
+  const StrainTensor high = TurnedStrain({r.MaxE11, r.MaxE22, r.MaxE12}, cos2Teta, sin2Teta);
+  const StrainTensor low = TurnedStrain({r.MinE11, r.MinE22, r.MinE12}, cos2Teta, sin2Teta);
   PutInOrder(r, kE11, high.e11, low.e11);
   PutInOrder(r, kE22, high.e22, low.e22);
   PutInOrder(r, kE12, high.e12, low.e12);

@@ -224,4 +224,9 @@ void CalculDeformations(AppState& s, const StrainOptions& options) {
   }
 }
 
+StrainTensor TurnedStrain(const StrainTensor& e, double c, double n) {
+  const double mean = (e.e11 + e.e22) / 2, half = (e.e11 - e.e22) / 2;
+  return {e.e12 * n + mean + half * c, mean - half * c - e.e12 * n, e.e12 * c - half * n};
+}
+
 }  // namespace tessiva

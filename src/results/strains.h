@@ -24,6 +24,13 @@ double AngleDemi(double p1, double p2);
 // in 0..2 pi; 0 for two equal points.
 double AngleDeuxPoints(double x1, double y1, double x2, double y2);
 
+// A plane strain tensor, and its components on axes turned by theta, given
+// cos and sin of 2 theta.
+struct StrainTensor {
+  double e11, e22, e12;
+};
+StrainTensor TurnedStrain(const StrainTensor& e, double cos2Theta, double sin2Theta);
+
 // The nine measures at one point: plain ratios and radians.
 struct StrainMeasures {
   double E11 = 0.0;
