@@ -18,6 +18,13 @@ QPainter::CompositionMode CompositionFor(DrawMode mode) {
   return QPainter::CompositionMode_SourceOver;
 }
 
+// Formats whose pixels are one 32-bit 0xAARRGGBB word, where an opaque colour
+// is written as is.
+bool HoldsOpaqueRgb32(QImage::Format format) {
+  return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32 ||
+         format == QImage::Format_ARGB32_Premultiplied;
+}
+
 // The source rectangle as an 8-bit indexed picture with the picture's palette.
 QImage IndexedRegion(const IndexedPicture& picture, const QRect& source) {
   QImage region(source.size(), QImage::Format_Indexed8);
@@ -82,9 +89,25 @@ void QImageCanvas::Boxes(std::span<const CanvasBox> boxes) {
 }
 
 void QImageCanvas::FilledBoxes(std::span<const CanvasBox> boxes) {
-  Paint(0, [&](QPainter& p) {
-    for (const CanvasBox& b : boxes) p.fillRect(PixelCorners(b.x1, b.y1, b.x2, b.y2), QColor::fromRgb(b.colour));
-  });
+  // XOR and invert are raster operations: QPainter does them.
+  if (drawMode_ != DrawMode::CopyPen || !HoldsOpaqueRgb32(image_.format())) {
+    Paint(0, [&](QPainter& p) {
+      for (const CanvasBox& b : boxes) p.fillRect(PixelCorners(b.x1, b.y1, b.x2, b.y2), QColor::fromRgb(b.colour));
+    });
+    return;
+  }
+  // A field map sends up to a million squares at a time, so copied boxes are
+  // written straight into the pixel rows, giving the pixels QPainter's fillRect gives.
+  uchar* const bits = image_.bits();  // detaches the image once, not once a row
+  const qsizetype rowBytes = image_.bytesPerLine();
+  const QRect bounds = image_.rect();
+  for (const CanvasBox& b : boxes) {
+    const QRect r = PixelCorners(b.x1, b.y1, b.x2, b.y2).intersected(bounds);
+    if (r.isEmpty()) continue;
+    const QRgb value = 0xFF000000u | b.colour;  // like QColor::fromRgb, the top byte is ignored
+    for (int y = r.top(); y <= r.bottom(); ++y)
+      std::fill_n(reinterpret_cast<QRgb*>(bits + y * rowBytes) + r.left(), r.width(), value);
+  }
 }
 
 void QImageCanvas::Circle(double cx, double cy, double radius, Colour colour) {

@@ -22,8 +22,9 @@ class QImageCanvas : public Canvas {
   int PixelHeight() const override { return image_.height(); }
 
   void Line(double x1, double y1, double x2, double y2, Colour colour) override;
-  // Boxes, outlined or filled, cover the pixels of both corners. A batch is
-  // drawn with one painter.
+  // Boxes, outlined or filled, cover the pixels of both corners. A batch of
+  // outlines is drawn with one painter; filled boxes in copy mode are written
+  // straight into the pixel rows.
   void Box(double x1, double y1, double x2, double y2, Colour colour) override;
   void FilledBox(double x1, double y1, double x2, double y2, Colour colour) override;
   void Boxes(std::span<const CanvasBox> boxes) override;

@@ -2,6 +2,7 @@
 // the QImage canvas and RegistryBinding.
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPushButton>
 #include <QTest>
 
@@ -21,6 +22,7 @@ class QtPortTests : public QObject {
   void fileDialogFiltersAndResultsConvert();
   void userScaleMapsOntoPixelsAndBoxesCoverBothCorners();
   void xorDrawingTwiceRestoresThePicture();
+  void filledBatchesPaintWhatPainterFillsPaint();
   void bindingMirrorsTheRegistryAndWritesEditsBeforeReportingThem();
 };
 
@@ -69,6 +71,68 @@ void QtPortTests::xorDrawingTwiceRestoresThePicture() {
     canvas.FilledBox(8, 2, 12, 6, 0xFF00FF);
     canvas.Circle(20, 15, 6, 0xFFFFFF);
     QCOMPARE(canvas.Image() == before, pass == 2);
+  }
+}
+
+// Filled boxes, in a batch or one by one, against QPainter::fillRect box after
+// box on a copy, each box rounded to the pixels of both its corners.
+void QtPortTests::filledBatchesPaintWhatPainterFillsPaint() {
+  struct Case {
+    const char* name;
+    double left, top, width, height;  // the user scale of a 30 x 20 canvas
+    DrawMode mode;
+    std::vector<CanvasBox> boxes;
+  };
+  const Case cases[] = {
+      {"partly or wholly outside", 0, 0, 30, 20, DrawMode::CopyPen,
+       {{-5, -5, 3, 4, 0xFF0000}, {27, 15, 40, 30, 0x00FF00}, {29, 19, 29, 19, 0x0000FF}, {30, 5, 35, 8, 0x123456},
+        {-9, -9, -1, 30, 0x654321}, {-100, 10, 100, 12, 0xABCDEF}}},
+      {"corners in reverse order", 0, 0, 30, 20, DrawMode::CopyPen,
+       {{9, 8, 2, 3, 0xFF0000}, {20, 1, 25, 6, 0x00FF00}, {28, 18, 22, 12, 0x0000FF}}},
+      {"zero size", 0, 0, 30, 20, DrawMode::CopyPen,
+       {{4, 4, 4, 4, 0xFF0000}, {6, 2, 6, 9, 0x00FF00}, {-1, -1, -1, -1, 0x0000FF}, {30, 3, 30, 3, 0xFFFF00}}},
+      {"fractional scale", 0.25, 0.5, 7.5, 5.0, DrawMode::CopyPen,
+       {{0.3, 0.6, 1.1, 1.2, 0xFF0000}, {2.05, 1.875, 3.3, 5.6, 0x00FF00}, {7.0, 0.1, 8.0, 2.0, 0x0000FF}}},
+      {"y upwards", 0, 50, 100, -50, DrawMode::CopyPen,
+       {{10, 40, 30, 10, 0xFF0000}, {50, -5, 120, 20, 0x00FF00}, {0, 50, 0, 50, 0x0000FF}}},
+      {"x leftwards, offset", 40, -10, -40, 30, DrawMode::CopyPen,
+       {{35, -8, 20, 5, 0xFF0000}, {2, 15, -3, 25, 0x00FF00}}},
+      {"overlapping, last on top", 0, 0, 30, 20, DrawMode::CopyPen,
+       {{2, 2, 20, 15, 0xFF0000}, {10, 5, 25, 18, 0x00FF00}, {5, 10, 12, 12, 0x0000FF}, {2, 2, 20, 15, 0x808080}}},
+      {"xor", 0, 0, 30, 20, DrawMode::XorPen, {{2, 2, 20, 15, 0xFF00FF}, {10, 5, 25, 18, 0x00FFFF}}},
+      {"invert", 0, 0, 30, 20, DrawMode::Invert, {{2, 2, 20, 15, 0xFF00FF}, {-3, 5, 25, 18, 0x00FFFF}}},
+  };
+  for (const Case& c : cases) {
+    for (const bool batch : {true, false}) {
+      QImageCanvas canvas(30, 20, 0x336699);
+      canvas.SetScale(0, 0, 30, 20);
+      canvas.FilledBox(0, 0, 14, 9, 0xC0C0C0);  // a picture under the boxes, for xor and invert
+      canvas.SetScale(c.left, c.top, c.width, c.height);
+      canvas.SetDrawMode(c.mode);
+      const QImage shared = canvas.Image();  // shares the canvas's pixels until they are written
+      const QImage before = shared.copy();
+
+      QImage expected = before.copy();
+      QPainter painter(&expected);
+      if (c.mode == DrawMode::XorPen) painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
+      if (c.mode == DrawMode::Invert) painter.setCompositionMode(QPainter::RasterOp_NotDestination);
+      for (const CanvasBox& b : c.boxes) {
+        const int x1 = qRound(canvas.ToPixelX(b.x1)), y1 = qRound(canvas.ToPixelY(b.y1));
+        const int x2 = qRound(canvas.ToPixelX(b.x2)), y2 = qRound(canvas.ToPixelY(b.y2));
+        painter.fillRect(QRect(QPoint(std::min(x1, x2), std::min(y1, y2)), QPoint(std::max(x1, x2), std::max(y1, y2))),
+                         QColor::fromRgb(b.colour));
+      }
+      painter.end();
+
+      if (batch) {
+        canvas.FilledBoxes(c.boxes);
+      } else {
+        for (const CanvasBox& b : c.boxes) canvas.FilledBox(b.x1, b.y1, b.x2, b.y2, b.colour);
+      }
+      const QByteArray where = QByteArray(c.name) + (batch ? " (batch)" : " (one by one)");
+      QVERIFY2(canvas.Image() == expected, where.constData());
+      QVERIFY2(shared == before, where.constData());
+    }
   }
 }
 
