@@ -55,7 +55,13 @@ void QImageCanvas::Paint(Colour colour, Draw&& draw) {
   draw(painter);
 }
 
-QPoint QImageCanvas::PixelAt(double x, double y) const { return {qRound(ToPixelX(x)), qRound(ToPixelY(y))}; }
+// Far outside the surface (or not a number) a coordinate is held to a pixel
+// well outside it, so that the conversion to int stays defined.
+QPoint QImageCanvas::PixelAt(double x, double y) const {
+  static constexpr double kFar = 1 << 24;
+  const auto held = [](double p) { return std::isnan(p) ? -kFar : std::clamp(p, -kFar, kFar); };
+  return {qRound(held(ToPixelX(x))), qRound(held(ToPixelY(y)))};
+}
 
 QRect QImageCanvas::PixelCorners(double x1, double y1, double x2, double y2) const {
   // Not QRect::normalized(): on swapping corners it drops the first and last pixels.
