@@ -244,7 +244,7 @@ class ResultReader {
     take(s_.Res3Pat[i], reserved[2]);
     // Any flag other than -1 means not good.
     if (s_.FlagPat[i] == -1) {
-      s_.NormPat[i] = std::sqrt(s_.DuPat[i] * s_.DuPat[i] + s_.DvPat[i] * s_.DvPat[i]);
+      s_.NormPat[i] = std::hypot(s_.DuPat[i], s_.DvPat[i]);
     } else {
       ++s_.NbPatBad;
       s_.FlagPat[i] = 1;
@@ -256,20 +256,20 @@ class ResultReader {
     s_.YPatMin = std::min<double>(s_.YPatMin, s_.YPat[i]);
   }
 
+  // Running means, so that huge values from a damaged file can't overflow a sum.
   void ComputeMeans() {
     double d1 = 0.0, d2 = 0.0, norm = 0.0;
     int32_t good = 0;
     for (int32_t i = 1, n = PatternsHeld(s_); i <= n; ++i) {
       if (s_.FlagPat[i] != -1) continue;
-      d1 += s_.D1Pat[i];
-      d2 += s_.D2Pat[i];
-      norm += s_.NormPat[i];
       ++good;
+      d1 += s_.D1Pat[i] / good - d1 / good;
+      d2 += s_.D2Pat[i] / good - d2 / good;
+      norm += s_.NormPat[i] / good - norm / good;
     }
-    const double count = good == 0 ? 1.0 : good;
-    s_.MoyD1 = d1 / count;
-    s_.MoyD2 = d2 / count;
-    s_.MoyNorm = norm / count;
+    s_.MoyD1 = d1;
+    s_.MoyD2 = d2;
+    s_.MoyNorm = norm;
   }
 
   // The map's scale spans the pattern centres on their wider side, in the
