@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 
-#include "analysis/analysisfiles.h"
 #include "formats/datafile.h"
 #include "formats/sections.h"
-#include "formats/seqfile.h"
 #include "formats/setupwindow.h"
 #include "formats/sidefiles.h"
 #include "setup/areafiles.h"
