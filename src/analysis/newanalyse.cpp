@@ -333,10 +333,12 @@ void NewAnalyse::AfficheDuDv(int kind) {
   PaintColourMap(view, {*range.max, *range.min}, DisplayUnit(view, s_.UnitPX, s_.UnitPY));
 }
 
+// The strain maps show the areas of interest over the colours.
 void NewAnalyse::AfficheE1E2(int32_t view) {
   const ViewRange range = CurrentRange(view);
   if (!range.max) return;
   PaintColourMap(view, {*range.max, *range.min}, 1.0);
+  if (PicAna) DrawAreaOutlines(*PicAna, s_, QBColor(0));
 }
 
 void NewAnalyse::PaintColourMap(int32_t view, ColourRange range, double unit) {

@@ -1,5 +1,6 @@
 #include "results/meshdraw.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -73,6 +74,17 @@ double Amplification(bool on, std::string_view typed) {
   if (!on) return 1.0;
   const double value = ValNorm(typed);
   return value > 0.0 ? value : 1.0;
+}
+
+void DrawAreaOutlines(Canvas& canvas, const AppState& s, Colour colour) {
+  // Slot NbBox is the free one the next area takes.
+  const size_t areas = static_cast<size_t>(std::clamp(s.NbBox - 1, 0, AppState::kMaxAreas));
+  for (size_t k = 1; k <= areas; ++k) {
+    const auto& xs = s.XBox[k];
+    const auto& ys = s.YBox[k];
+    for (size_t i = 1; i < static_cast<size_t>(std::max(s.Nbox[k], 0)) && i < AppState::kMaxVertices; ++i)
+      canvas.Line(xs[i], ys[i], xs[i + 1], ys[i + 1], colour);
+  }
 }
 
 void DrawDeformedMesh(Canvas& canvas, const AppState& s, const FieldSettings& f, double magni) {

@@ -18,6 +18,9 @@ inline constexpr double kArrowHead = 3.0;
 // option is on, and 1 when it is off or the number is 0 or less.
 double Amplification(bool on, std::string_view typed);
 
+// The outlines of the areas of interest, vertex to vertex.
+void DrawAreaOutlines(Canvas& canvas, const AppState& s, Colour colour);
+
 // Every shown cell twice: as measured (grey, red over a pattern that isn't
 // good) and moved by its nodes' displacement times `magni` (white, black
 // over a pattern that isn't good).

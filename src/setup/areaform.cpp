@@ -1,5 +1,6 @@
 #include "setup/areaform.h"
 
+#include "results/meshdraw.h"
 #include "setup/picture.h"
 #include "state/numtext.h"
 
@@ -44,16 +45,7 @@ void AreaForm::RefreshView(PictureView& view) {
 void AreaForm::AreAPicRefRefresh() { RefreshView(refView_); }
 void AreaForm::AreAPicDefRefresh() { RefreshView(defView_); }
 
-void AreaForm::DrawAreaOutlines(Canvas& canvas) {
-  const Colour lightRed = QBColor(12);
-  for (int32_t k = 1; k <= s_.NbBox - 1 && k <= AppState::kMaxAreas; ++k) {
-    const auto& xs = s_.XBox[static_cast<size_t>(k)];
-    const auto& ys = s_.YBox[static_cast<size_t>(k)];
-    for (int32_t i = 1; i < s_.Nbox[static_cast<size_t>(k)] && i < AppState::kMaxVertices; ++i)
-      canvas.Line(xs[static_cast<size_t>(i)], ys[static_cast<size_t>(i)], xs[static_cast<size_t>(i + 1)],
-                  ys[static_cast<size_t>(i + 1)], lightRed);
-  }
-}
+void AreaForm::DrawAreaOutlines(Canvas& canvas) { tessiva::DrawAreaOutlines(canvas, s_, QBColor(12)); }
 
 void AreaForm::DeleteGrille() { setup::DeleteGrille(*this); }
 void AreaForm::DeleteAOI() { setup::DeleteAOI(*this); }
