@@ -23,6 +23,7 @@ class GageStore {
     return number >= 1 && number <= Count() && gages_[static_cast<size_t>(number - 1)].has_value();
   }
   const Gage& Get(int32_t number) const { return *gages_[static_cast<size_t>(number - 1)]; }
+  Gage& Get(int32_t number) { return *gages_[static_cast<size_t>(number - 1)]; }
   // Adds a gauge under the next number and returns that number.
   int32_t Add(Gage gage) {
     gages_.emplace_back(std::move(gage));
