@@ -326,8 +326,8 @@ std::string GaugeRow(int32_t kind, const std::string& fileName, const std::strin
       row += "\t" + GeneralNumber(turned.e11);
       add(turned.e12);
       add(turned.e22);
-      // A0 / A1, the initial area over the deformed one. A flat box has no
-      // ratio; the division by its zero area is what the text then shows.
+      // A0 / A1, the initial area over the deformed one. A box folded flat
+      // has no ratio: the number format shows the infinite quotient as 0.
       add(m.a0 / m.a1);
       break;
     }
@@ -338,6 +338,27 @@ std::string GaugeRow(int32_t kind, const std::string& fileName, const std::strin
       break;
   }
   return row + "\r\n";
+}
+
+std::string GaugeColumnsTip(int32_t kind) {
+  switch (kind) {
+    case kGaugeLinear:
+      return "E1: major principal strain, Hencky (logarithmic), %\n"
+             "Epsi11: Green Lagrange strain along x of the picture, %\n"
+             "Lamda: final over initial length of the gauge\n"
+             "Lini: initial length, pixels";
+    case kGaugeRosette:
+      return "E1, E2: major and minor principal strains, Hencky (logarithmic), %\n"
+             "Teta: angle of the major principal axis from axis 1, degrees\n"
+             "Epsi11, Epsi12, Epsi22: Green Lagrange tensor in the axes 1 and 2, % (Epsi12 the tensor term)\n"
+             "Surface ratio: initial area over deformed area";
+    case kGaugeSlider:
+      return "Lini: initial length, pixels\n"
+             "Lfin: final length, pixels\n"
+             "Lamda: final over initial length";
+    default:
+      return {};
+  }
 }
 
 }  // namespace tessiva
