@@ -1,7 +1,6 @@
 #include "analysis/gauges.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -228,8 +227,9 @@ std::optional<GaugeMenu> JaugeCtrl::JaugeMouseUp(int button, int shift, double x
   if (button != 2 || shift != 0) return std::nullopt;
   for (int32_t i = JaugeCount(); i >= 1; --i) {
     if (!Exists(i)) continue;
-    const auto [xa, xb] = std::minmax(JaugeXDep(i), JaugeXArr(i));
-    const auto [ya, yb] = std::minmax(JaugeYDep(i), JaugeYArr(i));
+    // minmax over values, not temporaries it would return references to.
+    const auto [xa, xb] = std::minmax({JaugeXDep(i), JaugeXArr(i)});
+    const auto [ya, yb] = std::minmax({JaugeYDep(i), JaugeYArr(i)});
     if (x >= xa - kHitMargin && x <= xb + kHitMargin && y >= ya - kHitMargin && y <= yb + kHitMargin)
       return GaugeMenu{i, {GaugeAction::Delete, GaugeAction::CopyValues, GaugeAction::Rename}};
   }
@@ -296,17 +296,6 @@ GaugeMeasure MeasureGauge(const AppState& s, const FieldSettings& f, JaugeCtrl& 
   m.a0 = QuadArea(corners);
   m.a1 = QuadArea(moved);
   return m;
-}
-
-std::string GeneralNumber(double x) {
-  if (x == 0.0) return "0";
-  if (!std::isfinite(x)) return std::isnan(x) ? "NaN" : (x > 0 ? "Infinity" : "-Infinity");
-  char text[64];
-  const auto end = std::to_chars(text, text + sizeof text, x, std::chars_format::general, 15).ptr;
-  std::string out(text, end);
-  // "1e-05" as "1E-05".
-  if (const size_t e = out.find('e'); e != std::string::npos) out[e] = 'E';
-  return out;
 }
 
 std::string GaugeRow(int32_t kind, const std::string& fileName, const std::string& extras, const GaugeMeasure& m,

@@ -181,8 +181,4 @@ std::string GaugeRow(int32_t kind, const std::string& fileName, const std::strin
 // The tooltip of a gauge table's columns: which measure and unit each is.
 std::string GaugeColumnsTip(int32_t kind);
 
-// A number in the general form: up to 15 significant digits, without
-// trailing zeros, with an exponent below 1E-4 and from 1E+15.
-std::string GeneralNumber(double x);
-
 }  // namespace tessiva

@@ -269,6 +269,17 @@ std::string Str(double x) {
 
 std::string StrTrim(double x) { return Trim(Str(x)); }
 
+std::string GeneralNumber(double x) {
+  if (x == 0.0) return "0";
+  if (!std::isfinite(x)) return std::isnan(x) ? "NaN" : (x > 0 ? "Infinity" : "-Infinity");
+  char text[64];
+  const auto end = std::to_chars(text, text + sizeof text, x, std::chars_format::general, 15).ptr;
+  std::string out(text, end);
+  // "1e-05" as "1E-05".
+  if (const size_t e = out.find('e'); e != std::string::npos) out[e] = 'E';
+  return out;
+}
+
 std::string Format(double value, std::string_view pattern) {
   std::vector<std::string> sections = SplitText(pattern, ";");
   if (!std::isfinite(value)) value = 0.0;

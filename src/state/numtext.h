@@ -34,6 +34,9 @@ double ValNorm(std::string_view text);
 std::string Str(double x);
 // Str without its leading blank.
 std::string StrTrim(double x);
+// The general number form: up to 15 significant digits, an exponent "E" when
+// the number is very large or small (1E-05), "0" for zero.
+std::string GeneralNumber(double x);
 
 // Formats with a pattern of digit places ('0' always shown, '#' shown when
 // significant), an optional '.', an optional exponent part ("E+00", "E-00") and
