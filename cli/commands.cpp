@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "exportcommand.h"
+#include "mapcommand.h"
 #include "setupcommand.h"
 #include "state/numtext.h"
 #include "synthcommand.h"
@@ -13,6 +14,9 @@ constexpr const char* kUsage =
     "       tessiva-cli setup DIR [--ref NAME] [--def NAME] [--data NAME.don] [--area X1 Y1 X2 Y2]\n"
     "                             [--grid N] [--pattern MIN MAX] [--bilinear] [--large-strain]\n"
     "       tessiva-cli export RESULT.res --cfr|--unv|--inp OUT [--show-bad-pattern] [--final-to-initial]\n"
+    "       tessiva-cli map RESULT.res|SEQUENCE.seq --field NAME --png OUT [--smooth N] [--on-final]\n"
+    "                       [--magnification M] [--palette 0|1|2] [--show-bad]\n"
+    "       tessiva-cli map --list-fields\n"
     "       tessiva-cli --help\n"
     "\n"
     "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp with a known displacement\n"
@@ -36,6 +40,22 @@ constexpr const char* kUsage =
     "  --show-bad-pattern   \"Show Bad Pattern\": patterns that aren't good take part\n"
     "  --final-to-initial   \"Final -> Initial\": strains on the deformed configuration\n"
     "\n"
+    "map     reads a result as the analysis window does and writes a field of it as a PNG\n"
+    "        picture: the title, the map over the result's picture, the scale's name, the\n"
+    "        colour bar with the distribution of the values and five labels of the range.\n"
+    "        For a sequence OUT is a directory, made when missing, and member NAME.res gives\n"
+    "        OUT/NAME-FIELD.png, FIELD being the field's name with every run of characters\n"
+    "        other than letters, digits, '.', '-' and '_' made one '_'. Nothing is written\n"
+    "        unless every member is painted. A picture that can't be read leaves a blank\n"
+    "        background of the size the result gives, with a warning.\n"
+    "  --field NAME         the field, as --list-fields names it, case ignored\n"
+    "  --smooth N           \"Interpolation\": N x N colour squares a pattern (1 to 10), not one\n"
+    "  --on-final           the map on the deformed picture, squares where the patterns went\n"
+    "  --magnification M    \"Amplification\" of the deformed mesh and the vectors\n"
+    "  --palette N          0 blue to red, 1 grey levels, 2 blue to red then black and white\n"
+    "  --show-bad           \"Show Bad Pattern\": patterns that aren't good are painted\n"
+    "  --list-fields        prints the names of the fields, one a line\n"
+    "\n"
     "The forming-limit curve comes from correl.ini in the current directory, when there is one.\n";
 
 }  // namespace
@@ -56,6 +76,8 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
   const std::string command = args.empty() ? "" : args[0];
   if (command == "export") {
     if (const auto request = ParseExport(rest, problem)) return RunExport(*request, err);
+  } else if (command == "map") {
+    if (const auto request = ParseMap(rest, problem)) return RunMap(*request, out, err);
   } else if (command == "synth") {
     if (const auto request = ParseSynth(rest, problem)) return RunSynth(*request, out, err);
   } else if (command == "setup") {

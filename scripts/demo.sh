@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds Tessiva and runs its main job on a bundled demo: a synthetic speckle
 # pair of a strip necking under tension becomes a data file, the correlation
-# solver turns it into a result, and the result's mesh and strains are
-# exported. Then the desktop program starts in that directory, where
+# solver turns it into a result, the result's major strain is painted as a
+# map and its mesh and strains are exported. Then the desktop program starts in that directory, where
 # "Manage Jobs" runs the solver again and the files wait in the dialogs.
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
@@ -27,11 +27,14 @@ echo "== Setup: one area, a pattern every 8 pixels, a start point found by the s
 echo "== Correlation"
 printf 'neck.don\n' > "$work/entre.dat"
 "$work/tessiva-solver" "$work" "$work"
+echo "== The major strain of the result as a colour map"
+"$cli" map "$work/neck.res" --field "Epsilon I Major Hencky" --png "$work/neck-hencky.png"
 echo "== Exports of the result's mesh and strains"
 "$cli" export "$work/neck.res" --cfr "$work/neck.cfr"
 "$cli" export "$work/neck.res" --unv "$work/neck.unv"
 "$cli" export "$work/neck.res" --inp "$work/neck.inp"
-echo "Written in $work: neck.don, neck.res, neck.cfr, neck.unv, neck.inp (truth.txt holds the exact field)"
+echo "Written in $work: neck.don, neck.res, neck-hencky.png, neck.cfr, neck.unv, neck.inp"
+echo "(truth.txt holds the exact field; \"Analyse\" on neck.res shows its maps in the desktop program)"
 
 cd "$work"
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then

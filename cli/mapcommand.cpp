@@ -1,0 +1,446 @@
+#include "mapcommand.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "analysis/fieldlist.h"
+#include "commands.h"
+#include "state/numtext.h"
+
+#if TESSIVA_CLI_MAPS
+#include <cstdio>
+#include <filesystem>
+#include <set>
+
+#include "analysis/analysisfiles.h"
+#include "analysis/newanalyse.h"
+#include "formats/seqfile.h"
+#include "setup/param.h"
+#include "state/files.h"
+#include "state/index.h"
+#include "state/keyfile.h"
+#include "ui/scriptedui.h"
+// Qt last: its keyword macros (slots, signals, emit) would rewrite the core's names.
+#include <QBuffer>
+#include <QByteArray>
+#include <QFont>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include "qimagecanvas.h"
+#endif
+
+namespace tessiva::cli {
+namespace {
+
+std::string FieldNames() {
+  std::string names;
+  for (const FieldEntry& entry : FieldEntries())
+    if (entry.view) names += std::string(entry.listText) + '\n';
+  return names;
+}
+
+// Texts, bar and margins grow with the map, one step per 800 pixels of its
+// larger side, so that they stay readable when a large map is shown shrunk.
+int LayoutScale(int mapWidth, int mapHeight) { return std::max(1, std::max(mapWidth, mapHeight) / 800); }
+
+constexpr int kMargin = 12;
+constexpr int kTitleBand = 28;
+
+}  // namespace
+
+std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::string& problem) {
+  const auto refuse = [&problem](std::string complaint) -> std::optional<MapRequest> {
+    problem = std::move(complaint);
+    return std::nullopt;
+  };
+  MapRequest request;
+  std::optional<std::string> field, png, smooth, palette;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    if (arg == "--list-fields") {
+      request.listFields = true;
+    } else if (arg == "--on-final") {
+      request.onFinal = true;
+    } else if (arg == "--show-bad") {
+      request.showBad = true;
+    } else if (arg == "--field" || arg == "--png" || arg == "--smooth" || arg == "--palette" ||
+               arg == "--magnification") {
+      if (i + 1 == args.size()) return refuse(arg + " needs a value");
+      const std::string& value = args[++i];
+      auto& slot = arg == "--field" ? field
+                   : arg == "--png" ? png
+                   : arg == "--smooth" ? smooth
+                   : arg == "--palette" ? palette
+                                        : request.magnification;
+      slot = value;
+    } else if (arg.starts_with("-") || !request.input.empty()) {
+      return refuse("unexpected argument " + arg);
+    } else {
+      request.input = arg;
+    }
+  }
+  if (request.listFields) {
+    if (args.size() != 1) return refuse("--list-fields takes no other argument");
+    return request;
+  }
+  if (request.input.empty()) return refuse("map needs a result or sequence file");
+  if (!field) return refuse("give the field to paint with --field NAME");
+  const auto index = FieldIndexOfName(*field);
+  if (!index) {
+    std::string names = FieldNames();
+    names.pop_back();
+    for (size_t at = names.find('\n'); at != std::string::npos; at = names.find('\n', at + 1))
+      names.replace(at, 1, "\n  ");
+    return refuse("unknown field " + *field + "; the fields are:\n  " + names);
+  }
+  request.field = *index;
+  if (!png) return refuse("give the picture to write with --png OUT");
+  request.output = *png;
+  if (smooth) {
+    const auto n = WholeNumber(*smooth);
+    if (!n || *n < 1 || *n > kMaxSmooth)
+      return refuse("--smooth needs a whole number from 1 to " + std::to_string(kMaxSmooth));
+    request.smooth = *n;
+  }
+  if (palette) {
+    const auto n = WholeNumber(*palette);
+    if (!n || *n < 0 || *n > 2) return refuse("--palette needs 0, 1 or 2");
+    request.palette = *n;
+  }
+  if (request.magnification && !(ValNorm(*request.magnification) > 0.0))
+    return refuse("--magnification needs a positive number");
+  return request;
+}
+
+std::string MemberPictureName(const std::string& resultName, const std::string& fieldText) {
+  const auto kept = [](unsigned char c) { return std::isalnum(c) || c == '.' || c == '-' || c == '_'; };
+  std::string safe;
+  for (const char c : fieldText) {
+    if (kept(static_cast<unsigned char>(c)))
+      safe += c;
+    else if (!safe.empty() && safe.back() != '_')
+      safe += '_';
+  }
+  while (!safe.empty() && safe.back() == '_') safe.pop_back();
+  const std::string name = resultName.substr(0, resultName.find_last_of('.'));
+  return name + "-" + safe + ".png";
+}
+
+PicturePoint MapOrigin(int mapWidth, int mapHeight) {
+  const int k = LayoutScale(mapWidth, mapHeight);
+  return {kMargin * k, (kMargin + kTitleBand) * k};
+}
+
+#if !TESSIVA_CLI_MAPS
+
+int RunMap(const MapRequest& request, std::ostream& out, std::ostream& err) {
+  if (request.listFields) {
+    out << FieldNames();
+    return kDone;
+  }
+  err << "tessiva-cli: this build of tessiva-cli has no picture output\n";
+  return kFailed;
+}
+
+#else
+
+namespace {
+
+// The window's colour bar measures 318 x 40 pixels; under a wider map it spans the map.
+constexpr int kBarWidth = 318;
+constexpr int kBarHeight = 40;
+// Maps above this many pixels (8 bytes each, map and picture) are refused.
+constexpr int64_t kMaxMapPixels = int64_t{1} << 27;
+constexpr QRgb kFrameGrey = 0xFF808080u;
+
+// Qt's notes about the desktop session (no runtime directory, no screen)
+// mean nothing on the command line; its errors still go to standard error.
+void QuietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& message) {
+  if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+// Painting text needs a Qt Gui application; the command line makes one that
+// paints off any screen, once, and keeps it for the life of the process.
+bool GuiReady() {
+  if (QCoreApplication::instance()) return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+  qInstallMessageHandler(QuietQtMessages);
+  static int argc = 3;
+  static char name[] = "tessiva-cli", option[] = "-platform", platform[] = "offscreen";
+  static char* argv[] = {name, option, platform, nullptr};
+  static QGuiApplication* const app = new QGuiApplication(argc, argv);
+  return app != nullptr;
+}
+
+QString Q(const std::string& text) { return QString::fromStdString(Trim(text)); }
+
+// The title over the map, the map framed in grey, then the scale's caption,
+// the bar with a tick under each of its five labels.
+QImage Compose(const QImage& map, const QImage& bar, const ControlRegistry& c) {
+  const int k = LayoutScale(map.width(), map.height());
+  QFont titleFont, textFont;
+  titleFont.setPixelSize(16 * k);
+  titleFont.setBold(true);
+  textFont.setPixelSize(12 * k);
+  const QFontMetrics titleMetrics(titleFont), textMetrics(textFont);
+  const QString title = Q(c.Text("Titre")), caption = Q(c.Text("CadreIso"));
+  const PicturePoint origin = MapOrigin(map.width(), map.height());
+  const int margin = kMargin * k, gap = 4 * k, tick = 4 * k;
+  const int captionTop = origin.y + map.height() + 4 * gap;
+  const int barTop = captionTop + textMetrics.height() + gap;
+  const int labelTop = barTop + bar.height() + tick + gap / 2;
+  const int width = 2 * margin + std::max({map.width(), bar.width(), titleMetrics.horizontalAdvance(title),
+                                           textMetrics.horizontalAdvance(caption)});
+  QImage picture(width, labelTop + textMetrics.height() + margin, QImage::Format_RGB32);
+  if (picture.isNull()) return picture;
+  picture.fill(Qt::white);
+  QPainter p(&picture);
+  p.setPen(Qt::black);
+  p.setFont(titleFont);
+  p.drawText(QRect(margin, margin, width - 2 * margin, kTitleBand * k), Qt::AlignLeft | Qt::AlignVCenter, title);
+  p.drawImage(origin.x, origin.y, map);
+  p.setPen(QColor::fromRgb(kFrameGrey));
+  p.drawRect(origin.x - 1, origin.y - 1, map.width() + 1, map.height() + 1);
+  p.setPen(Qt::black);
+  p.setFont(textFont);
+  p.drawText(margin, captionTop + textMetrics.ascent(), caption);
+  p.drawImage(margin, barTop, bar);
+  for (int j = 0; j <= 4; ++j) {
+    const QString label = Q(c.Text("LabEchelle(" + std::to_string(j) + ")"));
+    const int at = margin + (bar.width() - 1) * j / 4;
+    p.drawLine(at, barTop + bar.height(), at, barTop + bar.height() + tick - 1);
+    const int w = textMetrics.horizontalAdvance(label);
+    const int left = std::clamp(at - w / 2, margin, margin + bar.width() - w);
+    p.drawText(left, labelTop + textMetrics.ascent(), label);
+  }
+  return picture;
+}
+
+std::optional<std::string> PngBytes(const QImage& picture) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  if (picture.isNull() || !buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")) return std::nullopt;
+  return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
+}
+
+// The maps of a sequence are written beside their final names and renamed
+// once every member is painted, so that a member that can't be read leaves
+// the directory as it was.
+class Output {
+ public:
+  Output(const MapRequest& request, bool sequence) : request_(request), sequence_(sequence) {}
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+  ~Output() { Discard(); }
+
+  // Makes the directory of a sequence's maps, and its parents, when missing.
+  bool Prepare(std::ostream& err) {
+    if (!sequence_) return true;
+    std::error_code ec;
+    for (auto p = std::filesystem::absolute(request_.output, ec); !ec && !p.empty() && !std::filesystem::exists(p, ec);
+         p = p.parent_path())
+      made_.push_back(p);
+    std::filesystem::create_directories(request_.output, ec);
+    if (std::filesystem::is_directory(request_.output, ec)) return true;
+    err << "The directory " << request_.output << " could not be made\n";
+    return false;
+  }
+
+  std::string PathOf(const std::string& name) const {
+    return sequence_ ? JoinPath(request_.output, name) : request_.output;
+  }
+
+  bool Add(const std::string& path, std::string_view png, std::ostream& err) {
+    const std::string staging = sequence_ ? JoinPath(DirectoryOf(path), "." + FileNameOf(path) + ".partial") : path;
+    if (!WriteFileAtomically(staging, png)) {
+      err << "The file " << path << " could not be written\n";
+      return false;
+    }
+    if (sequence_) staged_.push_back({staging, path});
+    done_.push_back(path);
+    return true;
+  }
+
+  bool Commit(std::ostream& out, std::ostream& err) {
+    for (const auto& [staging, path] : staged_) {
+      std::error_code ec;
+      std::filesystem::rename(staging, path, ec);
+      if (ec) {
+        err << "The file " << path << " could not be written\n";
+        return false;
+      }
+    }
+    staged_.clear();
+    made_.clear();
+    for (const std::string& path : done_) out << path << '\n';
+    return true;
+  }
+
+ private:
+  void Discard() {
+    std::error_code ec;
+    for (const auto& staged : staged_) std::filesystem::remove(staged.first, ec);
+    // Only directories this run made, and only while empty.
+    for (const auto& made : made_) std::filesystem::remove(made, ec);
+  }
+
+  const MapRequest& request_;
+  bool sequence_;
+  std::vector<std::filesystem::path> made_;  // deepest first
+  std::vector<std::pair<std::string, std::string>> staged_;
+  std::vector<std::string> done_;
+};
+
+class MapPainter {
+ public:
+  MapPainter(const MapRequest& request, std::ostream& err) : request_(request), err_(err) {}
+
+  int Run(std::ostream& out) {
+    if (!GuiReady()) return Fail("tessiva-cli: Qt's offscreen painting could not be started");
+    s_.IniPath = JoinPath(std::filesystem::current_path(ignored_).string(), "correl.ini");
+    s_.LastDir = std::filesystem::absolute(request_.input, ignored_).parent_path().string();
+    s_.FileName = request_.input;
+    s_.FileTitle = FileNameOf(request_.input);
+    window_.Load();
+    if (s_.NbSeq < 1)
+      return Fail("The sequence " + request_.input + (FileExists(request_.input) ? " names no result file" : " can't be read"));
+    SetOptions();
+    const bool sequence = IsSequenceFile(request_.input);
+    std::vector<std::string> names(static_cast<size_t>(s_.NbSeq) + 1);
+    const std::string fieldText(FieldAt(request_.field)->listText);
+    std::set<std::string> distinct;
+    for (int32_t i = 1; i <= s_.NbSeq; ++i) {
+      names[At(i)] = MemberPictureName(FileNameOf(s_.DataFileName[At(i)]), fieldText);
+      if (sequence && !distinct.insert(names[At(i)]).second)
+        return Fail("Two members of " + request_.input + " would both be written as " + names[At(i)]);
+    }
+    Output output(request_, sequence);
+    if (!output.Prepare(err_)) return kFailed;
+    for (int32_t i = 1; i <= s_.NbSeq; ++i) {
+      const auto png = Paint(i);
+      if (!png) return kFailed;
+      if (!output.Add(output.PathOf(names[At(i)]), *png, err_)) return kFailed;
+    }
+    return output.Commit(out, err_) ? kDone : kFailed;
+  }
+
+ private:
+  int Fail(const std::string& message) {
+    err_ << message << '\n';
+    return kFailed;
+  }
+
+  // The window's controls, set as the user would set them before the first member is read.
+  void SetOptions() {
+    ControlRegistry& c = window_.Controls();
+    c.SetChecked("Interpolation", request_.smooth > 1);
+    if (request_.smooth > 1) c.SetText("SmoothCombo", std::to_string(request_.smooth));
+    c.SetChecked("Option3(0)", request_.onFinal);
+    c.SetChecked("Option3(1)", !request_.onFinal);
+    c.SetChecked("Amplification", request_.magnification.has_value());
+    if (request_.magnification) c.SetText("TextMagni", *request_.magnification);
+    c.SetChecked("Bad", request_.showBad);
+    window_.StyleColor(request_.palette);
+  }
+
+  // Reads member i and paints its field; the PNG's bytes, or nothing when it failed (said on err).
+  std::optional<std::string> Paint(int32_t i) {
+    // A member whose picture is missing must not show the picture of the member before.
+    window_.PicAnaTemp = {};
+    window_.PicAnaTemp2 = {};
+    const size_t shown = ui_.Messages().size();
+    window_.CurFile = i;
+    if (!LecRes(window_, i, i > 1)) {
+      const std::vector<std::string> messages = ui_.Messages();
+      for (size_t m = shown; m < messages.size(); ++m) err_ << messages[m] << '\n';
+      if (messages.size() == shown) err_ << Trim(frame_.Text("Label1")) << '\n';
+      return std::nullopt;
+    }
+    if (!StandInForMissingPicture(i)) return std::nullopt;
+    window_.View.Zoom = 1.0;
+    window_.LayOutPicAna();
+    const ControlState& bounds = window_.Controls().Get("PicAna");
+    if (int64_t{bounds.width} * bounds.height > kMaxMapPixels) {
+      Fail("The map of " + std::to_string(bounds.width) + " x " + std::to_string(bounds.height) +
+           " pixels is too large to paint");
+      return std::nullopt;
+    }
+    const int k = LayoutScale(bounds.width, bounds.height);
+    QImageCanvas map(bounds.width, bounds.height);
+    QImageCanvas bar(std::max(kBarWidth * k, bounds.width), kBarHeight * k);
+    if (map.Image().isNull() || bar.Image().isNull()) {
+      Fail("There is not enough memory to paint a map of " + std::to_string(bounds.width) + " x " +
+           std::to_string(bounds.height) + " pixels");
+      return std::nullopt;
+    }
+    window_.PicAna = &map;
+    window_.IsoPic = &bar;
+    window_.OnCombo2Click(request_.field);
+    window_.PicAna = nullptr;
+    window_.IsoPic = nullptr;
+    // The field list refuses an entry the result has no data for, with a message.
+    if (window_.Controls().Get("Combo2").listIndex != request_.field) {
+      const std::vector<std::string> messages = ui_.Messages();
+      for (size_t m = shown; m < messages.size(); ++m) err_ << messages[m] << '\n';
+      return std::nullopt;
+    }
+    if (window_.Ranges.MaxU == NewAnalyse::kNoData || window_.Ranges.MaxV == NewAnalyse::kNoData)
+      err_ << "tessiva-cli: warning: " << s_.DataFilePath[At(i)] << " holds no valid pattern; its map shows the picture alone\n";
+    const auto png = PngBytes(Compose(map.Image(), bar.Image(), window_.Controls()));
+    if (!png) Fail("The map of " + s_.DataFilePath[At(i)] + " could not be made into a PNG picture");
+    return png;
+  }
+
+  // A picture that can't be read leaves an empty box of 100 x 100 pixels:
+  // the map is then painted on a white picture of the size the result gives,
+  // with a warning. A result that doesn't give its size is refused, since the
+  // map would stand at a made-up scale.
+  bool StandInForMissingPicture(int32_t i) {
+    AnalysisPicture& picture = request_.onFinal ? window_.PicAnaTemp2 : window_.PicAnaTemp;
+    if (!picture.Pixels.Empty()) return true;
+    const std::string& path = request_.onFinal ? s_.PicDefPath : s_.PicRefPath;
+    const std::string& result = s_.DataFilePath[At(i)];
+    const bool sized = ReadKeyText("PICTURES", "Lima", result) != kNotFound &&
+                       ReadKeyText("PICTURES", "Hima", result) != kNotFound && s_.Lima > 0 && s_.Hima > 0;
+    if (!sized) {
+      Fail("The picture " + path + " can't be read, and " + result + " doesn't give its size");
+      return false;
+    }
+    if (int64_t{s_.Lima} * s_.Hima > kMaxMapPixels) {
+      Fail("The map of " + std::to_string(s_.Lima) + " x " + std::to_string(s_.Hima) +
+           " pixels is too large to paint");
+      return false;
+    }
+    err_ << "tessiva-cli: warning: the picture " << path << " can't be read; the map of " << result
+         << " is painted on a blank picture of " << s_.Lima << " x " << s_.Hima << " pixels\n";
+    picture.Pixels.Allocate(s_.Lima, s_.Hima);
+    for (int32_t y = 0; y <= s_.Hima; ++y) std::fill_n(picture.Pixels.Row(y), s_.Lima + 1, 255);
+    for (int32_t level = 0; level < 256; ++level) picture.Palette[At(level)] = static_cast<Colour>(level) * 0x010101u;
+    return true;
+  }
+
+  const MapRequest& request_;
+  std::ostream& err_;
+  std::error_code ignored_;
+  AppState s_;
+  ControlRegistry frame_;
+  ScriptedUi ui_{frame_};
+  Param param_{s_};
+  NewAnalyse window_{s_, ui_, param_};
+};
+
+}  // namespace
+
+int RunMap(const MapRequest& request, std::ostream& out, std::ostream& err) {
+  if (request.listFields) {
+    out << FieldNames();
+    return kDone;
+  }
+  return MapPainter(request, err).Run(out);
+}
+
+#endif
+
+}  // namespace tessiva::cli

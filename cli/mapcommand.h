@@ -1,0 +1,59 @@
+// tessiva-cli map: a field of a result, or of each member of a sequence,
+// painted by the analysis window's logic and written as a PNG picture.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace tessiva::cli {
+
+struct MapRequest {
+  // Prints the field names and nothing else.
+  bool listFields = false;
+  // A result file, or a sequence file (its name ends in "seq").
+  std::string input;
+  // The entry of the field list Combo2.
+  int32_t field = 0;
+  // The PNG file; a directory for a sequence.
+  std::string output;
+  // Samples along each side of a cell: above 1, "Interpolation" with that smoothing.
+  int32_t smooth = 1;
+  // Option3: the map on the deformed picture.
+  bool onFinal = false;
+  // The amplification of the mesh and vector views as typed in TextMagni, when given.
+  std::optional<std::string> magnification;
+  // StyleColor: 0 blue to red, 1 grey levels, 2 blue to red then black and white.
+  int palette = 0;
+  // "Show Bad Pattern".
+  bool showBad = false;
+};
+
+// The largest smoothing the window offers; each pattern is painted smooth x smooth times.
+inline constexpr int32_t kMaxSmooth = 10;
+
+// The arguments after "map"; nothing, and the complaint in `problem`, when
+// they are wrong. An unknown field's complaint lists the field names.
+std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::string& problem);
+
+// The picture of a sequence member: its result's name less the extension,
+// "-", and the field's list text with every run of characters other than
+// ASCII letters, digits, '.', '-' and '_' made one '_' ("r1.res" and
+// "Teta(1,I)" give "r1-Teta_1_I.png").
+std::string MemberPictureName(const std::string& resultName, const std::string& fieldText);
+
+// Where the map's pixel (0, 0) lies in the written picture, for a map of that
+// size: the margin, and the title's band above the map.
+struct PicturePoint {
+  int x = 0;
+  int y = 0;
+};
+PicturePoint MapOrigin(int mapWidth, int mapHeight);
+
+// Lists the fields, or reads the result (every member of a sequence, in
+// order) and writes its maps. Nothing is written unless every map is made.
+int RunMap(const MapRequest& request, std::ostream& out, std::ostream& err);
+
+}  // namespace tessiva::cli
