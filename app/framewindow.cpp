@@ -8,6 +8,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include "analysewindow.h"
 #include "managejobswindow.h"
 #include "miseendonnewindow.h"
 #include "paramwindow.h"
@@ -25,9 +26,7 @@ constexpr NamedCaption kCommands[] = {
     {"Command1(0)", "Input Data"}, {"Command1(1)", "Manage Jobs"}, {"Command1(2)", "Analyse"}};
 
 // Tool windows not built yet, with the caption of the command that leads to them.
-constexpr NamedCaption kPendingTools[] = {
-    {"NewAnalyse", "Analyse"},
-    {"AreaForm", "Input Data"}};
+constexpr NamedCaption kPendingTools[] = {{"AreaForm", "Input Data"}};
 
 // Stands in for a tool window: it fills the client area, covering Pub as the tool would.
 QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
@@ -49,7 +48,7 @@ QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
 }  // namespace
 
 FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
-                         MiseEnDonne& input)
+                         MiseEnDonne& input, NewAnalyse& analyse)
     : controller_(controller), controls_(controls) {
   setObjectName(QStringLiteral("MDIForm1"));
   setMinimumSize(MDIForm1::kMinWidth, MDIForm1::kMinHeight);
@@ -58,7 +57,7 @@ FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param&
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(BuildCommandBar());
-  layout->addWidget(BuildClientArea(jobs, input), 1);
+  layout->addWidget(BuildClientArea(jobs, input, analyse), 1);
   setCentralWidget(central);
   BuildStatusArea();
   // The parameters float over the frame, beside the tool that opens them.
@@ -89,7 +88,7 @@ QWidget* FrameWindow::BuildCommandBar() {
   return bar;
 }
 
-QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input) {
+QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, NewAnalyse& analyse) {
   client_ = new QWidget(this);
   client_->setBackgroundRole(QPalette::Dark);
   client_->setAutoFillBackground(true);
@@ -102,6 +101,7 @@ QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input) {
   layout->addWidget(pub, 0, 0, Qt::AlignCenter);
   layout->addWidget(new ManageJobsWindow(jobs, client_), 0, 0, Qt::AlignCenter);
   layout->addWidget(new MiseEnDonneWindow(input, client_), 0, 0, Qt::AlignCenter);
+  layout->addWidget(new AnalyseWindow(analyse, client_), 0, 0);
   for (const NamedCaption& tool : kPendingTools) layout->addWidget(ToolPlaceholder(tool, client_), 0, 0);
   return client_;
 }

@@ -7,6 +7,7 @@
 #include <QPoint>
 #include <memory>
 
+#include "analysis/newanalyse.h"
 #include "batch/managejobs.h"
 #include "batch/miseendonne.h"
 #include "registrybinding.h"
@@ -20,7 +21,7 @@ class FrameWindow : public QMainWindow {
 
  public:
   FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
-              MiseEnDonne& input);
+              MiseEnDonne& input, NewAnalyse& analyse);
   ~FrameWindow() override;
 
   // Size and place from the controller's bounds of "MDIForm1", on a screen whose
@@ -34,7 +35,7 @@ class FrameWindow : public QMainWindow {
 
  private:
   QWidget* BuildCommandBar();
-  QWidget* BuildClientArea(ManageJobs& jobs, MiseEnDonne& input);
+  QWidget* BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, NewAnalyse& analyse);
   void BuildStatusArea();
   void OnClicked(const std::string& name);
 

@@ -6,7 +6,8 @@
 
 namespace tessiva {
 
-Workbench::Workbench() : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_, input_)) {
+Workbench::Workbench()
+    : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_, input_, analyse_)) {
   ui_.SetDialogParent(window_.get());
 }
 

@@ -6,6 +6,8 @@
 #include <QString>
 #include <memory>
 
+#include "analysis/newanalyse.h"
+
 #include "batch/managejobs.h"
 #include "batch/miseendonne.h"
 #include "framewindow.h"
@@ -28,6 +30,7 @@ class Workbench {
   AppState& State() { return state_; }
   ControlRegistry& FrameControls() { return frameControls_; }
   FrameWindow& Window() { return *window_; }
+  NewAnalyse& Analyse() { return analyse_; }
 
  private:
   AppState state_;
@@ -37,6 +40,7 @@ class Workbench {
   Param param_{state_};
   ManageJobs jobs_{state_, ui_};
   MiseEnDonne input_{state_, ui_};
+  NewAnalyse analyse_{state_, ui_, param_};
   std::unique_ptr<FrameWindow> window_;
 };
 

@@ -270,9 +270,19 @@ void NewAnalyse::ShowViewTexts() {
   controls_.SetText("Titre", title);
   controls_.SetText("CadreIso", ScaleCaption(*entry, units));
   ui_.StatusLine(title);
+  PlaceReferenceBox();
+}
+
+// The reference box frames this file's patterns with their half cells. The
+// running extent XPatMin..XPatMax can't serve: it starts at 0 and only grows.
+void NewAnalyse::PlaceReferenceBox() {
+  const int32_t count = PatternsHeld(s_);
+  if (count < 1) return;
+  const auto [left, right] = std::minmax_element(s_.XPat.begin() + 1, s_.XPat.begin() + 1 + count);
+  const auto [top, bottom] = std::minmax_element(s_.YPat.begin() + 1, s_.YPat.begin() + 1 + count);
   const double h = HalfCell(s_);
-  controls_.SetBounds("ReferenceBox", RoundToInt32(s_.XPatMin - h), RoundToInt32(s_.YPatMin - h),
-                      RoundToInt32(s_.XPatMax - s_.XPatMin + 2 * h), RoundToInt32(s_.YPatMax - s_.YPatMin + 2 * h));
+  controls_.SetBounds("ReferenceBox", RoundToInt32(*left - h), RoundToInt32(*top - h),
+                      RoundToInt32(*right - *left + 2 * h), RoundToInt32(*bottom - *top + 2 * h));
   controls_.SetVisible("ReferenceBox", controls_.Checked("ShowReference"));
 }
 

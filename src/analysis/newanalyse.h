@@ -182,6 +182,7 @@ class NewAnalyse {
   void InitToolbar();
   // Titles, captions and the reference box of the view on show.
   void ShowViewTexts();
+  void PlaceReferenceBox();
   // Paints a colour map of `view` over the bar and labels of its range.
   void PaintColourMap(int32_t view, ColourRange range, double unit);
   void ShowScaleLabels(ColourRange range, double unit);

@@ -1,9 +1,13 @@
 // End-to-end flows through the real windows: the Analyse command with its file
-// dialog, a start-up without the solver's path, the parameters window, and the
-// job queue from its file dialog to the solver it starts, and the input data tool.
+// dialog and the map of a result, a start-up without the solver's path, the
+// parameters window, the job queue from its file dialog to the solver it
+// starts, and the input data tool.
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -12,7 +16,10 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include "results/palette.h"
+#include "setup/picture.h"
 #include "suites.h"
+#include "support/resultwriter.h"
 #include "workbench.h"
 
 using tessiva::Workbench;
@@ -40,6 +47,14 @@ void WhenModalShown(Act act) {
   });
 }
 
+// Chooses a file in the file dialog that is about to open.
+void WhenFileDialogShown(const QString& path) {
+  WhenModalShown<QFileDialog>([path](QFileDialog* dialog) {
+    dialog->selectFile(path);
+    QMetaObject::invokeMethod(dialog, "accept");  // a protected override of the public slot
+  });
+}
+
 }  // namespace
 
 class WindowFlows : public QObject {
@@ -47,6 +62,7 @@ class WindowFlows : public QObject {
 
  private slots:
   void cancelledAnalyseLeavesTheFrameEmpty();
+  void analyseMapsTheResultAndSwitchesField();
   void startWithoutSolverPathTellsAndFails();
   void enteredPatternSizesComeBackClamped();
   void queuedJobStartsTheSolverOnItsDirectory();
@@ -73,6 +89,79 @@ void WindowFlows::cancelledAnalyseLeavesTheFrameEmpty() {
   QVERIFY(!workbench.State().AnalyseOpen);
   for (const char* tool : {"MiseEnDonne", "ManageJobs", "NewAnalyse", "AreaForm", "Param"})
     QVERIFY2(!frame.findChild<QWidget*>(QLatin1String(tool))->isVisible(), tool);
+}
+
+// A 120 x 80 mid-grey picture with patterns every 8 pixels from (24, 16) to
+// (104, 64), displaced by u = 0.01 x, v = 0. At the view's zoom of 0.8 the map
+// is 96 x 64 pixels, 1.25 picture pixels each.
+void WindowFlows::analyseMapsTheResultAndSwitchesField() {
+  namespace t = tessiva::testing;
+  QTemporaryDir dir;
+  WriteIni(dir, kIni);
+  for (const char* name : {"ref.bmp", "def.bmp"})
+    QVERIFY(tessiva::SaveGreyBmp(dir.filePath(QLatin1String(name)).toStdString(), 120, 80,
+                                 std::vector<uint8_t>(120 * 80, 128)));
+  t::ResultHead head;
+  head.lima = 120;
+  head.hima = 80;
+  const auto field = [](double x, double) { return t::Displacement{0.01 * x, 0.0}; };
+  const QString result = dir.filePath(QStringLiteral("linear.res"));
+  t::WriteResultFile(result.toStdString(), head, t::GridPatterns(field, 24, 16, 11, 7, 8, 8));
+
+  Workbench workbench;
+  QVERIFY(workbench.Start(dir.path()));
+  WhenFileDialogShown(result);
+  QTest::mouseClick(workbench.Window().findChild<QPushButton*>(QStringLiteral("Command1(2)")), Qt::LeftButton);
+  auto* window = workbench.Window().findChild<QWidget*>(QStringLiteral("NewAnalyse"));
+  QVERIFY(window->isVisible());
+  QTRY_VERIFY(!workbench.Analyse().Controls().Checked("Timer1"));
+  QCOMPARE(workbench.State().NbPat, 11 * 7);
+
+  auto* title = window->findChild<QLabel*>(QStringLiteral("Titre"));
+  auto* map = window->findChild<QWidget*>(QStringLiteral("PicAna"));
+  // A result without a [UNIT] section counts in "pixel".
+  QCOMPARE(title->text(), QStringLiteral("Displacement in pixel along axe 1"));
+  const QImage first = map->grab().toImage();
+  QCOMPARE(first.size(), QSize(96, 64));
+  const auto colourAt = [](const QImage& image, int x, int y) { return image.pixel(x * 4 / 5, y * 4 / 5) & 0xFFFFFF; };
+  QSet<QRgb> palette;
+  tessiva::ColourScale scale(100);
+  for (int k = 0; k <= 100; ++k) {
+    double fraction = k / 100.0;
+    palette.insert(scale.CouleurEchelle(fraction));
+  }
+  // u grows along x by 0.08 a column, 9 of the 100 colour steps of its range:
+  // each pattern of a row in its own palette colour. Off the patterns the picture shows.
+  QSet<QRgb> across;
+  for (int x = 24; x <= 104; x += 8) {
+    const QRgb colour = colourAt(first, x, 40);
+    QVERIFY2(palette.contains(colour), qPrintable(QString::number(x)));
+    across.insert(colour);
+  }
+  QCOMPARE(across.size(), 11);
+  QCOMPARE(colourAt(first, 4, 4), QRgb(0x808080));
+
+  // The pointer over the map shows the picture position and the value there.
+  QTest::mouseMove(map, QPoint(40, 32));
+  QCOMPARE(QString::fromStdString(workbench.FrameControls().Text("Label2")),
+           QStringLiteral(" X=50.000 Y=40.000  1 displacement=0.500E+0"));
+
+  auto* fields = window->findChild<QComboBox*>(QStringLiteral("Combo2"));
+  const int hencky = fields->findText(QStringLiteral("Epsilon I Major Hencky"));
+  QVERIFY(hencky > 0);
+  fields->showPopup();
+  fields->view()->setCurrentIndex(fields->model()->index(hencky, 0));
+  QTest::keyClick(fields->view(), Qt::Key_Return);
+  QCOMPARE(title->text(), QStringLiteral("Major principal strain - Hencky tensor"));
+  QCOMPARE(fields->currentIndex(), hencky);
+  QVERIFY(map->grab().toImage() != first);
+
+  // The reference box frames the patterns and their half cells, (20, 12) to
+  // (108, 68) in the picture, at the map's zoom.
+  QTest::mouseClick(window->findChild<QWidget*>(QStringLiteral("ShowReference")), Qt::LeftButton, {}, QPoint(5, 5));
+  auto* box = window->findChild<QWidget*>(QStringLiteral("ReferenceBox"));
+  QVERIFY(box->isVisible());
+  QCOMPARE(box->geometry(), QRect(16, 10, 70, 45));
 }
 
 void WindowFlows::startWithoutSolverPathTellsAndFails() {
@@ -131,10 +220,7 @@ void WindowFlows::queuedJobStartsTheSolverOnItsDirectory() {
   const auto queue = tree->findItems(QStringLiteral("Queue of jobs"), Qt::MatchExactly | Qt::MatchRecursive);
   QCOMPARE(queue.size(), 1);
 
-  WhenModalShown<QFileDialog>([&](QFileDialog* dialog) {
-    dialog->selectFile(dir.filePath(QStringLiteral("job.don")));
-    QMetaObject::invokeMethod(dialog, "accept");  // a protected override of the public slot
-  });
+  WhenFileDialogShown(dir.filePath(QStringLiteral("job.don")));
   QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(queue[0]).center());
   const QString jobPath = QDir::toNativeSeparators(dir.filePath(QStringLiteral("job.don")));
   QCOMPARE(tree->findItems(jobPath, Qt::MatchExactly | Qt::MatchRecursive).size(), 1);

@@ -1,0 +1,435 @@
+#include "analysewindow.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHideEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShowEvent>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <functional>
+#include <initializer_list>
+
+#include "qimagecanvas.h"
+#include "ui/pointer.h"
+
+namespace tessiva {
+
+// A canvas's picture at its own pixel size. Pointer events are handed on as
+// they come; their positions are the canvas's pixels.
+class CanvasView : public QWidget {
+ public:
+  explicit CanvasView(QWidget* parent) : QWidget(parent) { setFixedSize(1, 1); }
+  QSize sizeHint() const override { return size(); }
+
+  QImageCanvas* Surface() { return canvas_.get(); }
+  // A new, blank surface when the size changes; the same one otherwise.
+  QImageCanvas& Resize(QSize size) {
+    if (!canvas_ || canvas_->Image().size() != size) {
+      canvas_ = std::make_unique<QImageCanvas>(size.width(), size.height());
+      canvas_->onRefresh = [this] { update(); };
+      setFixedSize(size);
+      update();
+    }
+    return *canvas_;
+  }
+
+  std::function<void(QMouseEvent*)> onMouse;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    if (canvas_) QPainter(this).drawImage(0, 0, canvas_->Image());
+  }
+  void mousePressEvent(QMouseEvent* event) override { Forward(event); }
+  void mouseMoveEvent(QMouseEvent* event) override { Forward(event); }
+  void mouseReleaseEvent(QMouseEvent* event) override { Forward(event); }
+
+ private:
+  void Forward(QMouseEvent* event) {
+    if (canvas_ && onMouse) onMouse(event);
+  }
+
+  std::unique_ptr<QImageCanvas> canvas_;
+};
+
+namespace {
+
+// A rectangle's outline, black with a white line inside, seen on any picture or map.
+class Outline : public QWidget {
+ public:
+  using QWidget::QWidget;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setPen(Qt::black);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.setPen(Qt::white);
+    painter.drawRect(rect().adjusted(1, 1, -2, -2));
+  }
+};
+
+// The colour bar's surface, in pixels.
+constexpr QSize kBarSize(318, 40);
+// The width of the fields of the smoothing and the amplification.
+constexpr int kValueWidth = 70;
+
+// Button codes as the controller counts them.
+int ButtonCode(Qt::MouseButtons buttons) {
+  int code = 0;
+  if (buttons & Qt::LeftButton) code |= kLeftButton;
+  if (buttons & Qt::RightButton) code |= kRightButton;
+  if (buttons & Qt::MiddleButton) code |= kMiddleButton;
+  return code;
+}
+
+// A widget drawn over a canvas that lets the pointer through to it.
+void Overlay(QWidget* widget, const char* name) {
+  widget->setObjectName(QLatin1String(name));
+  widget->setAttribute(Qt::WA_TransparentForMouseEvents);
+  widget->hide();
+}
+
+struct NamedCaption {
+  const char* name;
+  const char* caption;
+};
+
+struct Option {
+  const char* caption;
+  const char* tip = nullptr;
+};
+
+// Option buttons "Name(0)", "Name(1)"...; the group makes them exclusive.
+QGroupBox* OptionGroup(const char* title, const char* name, std::initializer_list<Option> options, QWidget* parent) {
+  auto* group = new QGroupBox(QLatin1String(title), parent);
+  auto* layout = new QVBoxLayout(group);
+  layout->setSpacing(2);
+  int index = 0;
+  for (const Option& option : options) {
+    auto* button = new QRadioButton(QLatin1String(option.caption), group);
+    button->setObjectName(QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(index++));
+    if (option.tip) button->setToolTip(QLatin1String(option.tip));
+    layout->addWidget(button);
+  }
+  layout->addStretch(1);
+  return group;
+}
+
+QCheckBox* Check(const NamedCaption& check, QWidget* parent) {
+  auto* box = new QCheckBox(QLatin1String(check.caption), parent);
+  box->setObjectName(QLatin1String(check.name));
+  return box;
+}
+
+// Replaces a list's entries by the registry's when they differ, then shows
+// its choice: the typed text of an editable list, the chosen entry of another.
+void MirrorList(QComboBox* list, const ControlState& state) {
+  const QSignalBlocker quiet(list);
+  QStringList items;
+  for (const std::string& item : state.items) items << ToQt(item);
+  QStringList shown;
+  for (int i = 0; i < list->count(); ++i) shown << list->itemText(i);
+  if (items != shown) {
+    list->clear();
+    list->addItems(items);
+  }
+  if (list->isEditable())
+    list->setEditText(ToQt(state.text));
+  else if (list->currentIndex() != state.listIndex)
+    list->setCurrentIndex(state.listIndex);
+}
+
+// Options whose change is shown by painting the map again.
+bool RepaintsTheMap(const std::string& name) {
+  for (const char* option : {"Interpolation", "PictureShow", "ShowIsoCheck", "Bad", "ShowReference", "Deborde",
+                             "Amplification", "Option3(0)", "Option3(1)"})
+    if (name == option) return true;
+  return false;
+}
+
+}  // namespace
+
+AnalyseWindow::AnalyseWindow(NewAnalyse& controller, QWidget* parent) : QFrame(parent), controller_(controller) {
+  setObjectName(QStringLiteral("NewAnalyse"));
+  setFrameStyle(QFrame::Panel | QFrame::Sunken);
+  setBackgroundRole(QPalette::Window);
+  setAutoFillBackground(true);
+  // The window's controls belong to the controller's registry, not the frame's.
+  MarkOwnBinding(this);
+  auto* layout = new QHBoxLayout(this);
+  layout->addWidget(BuildMap(), 1);
+  layout->addWidget(BuildSide());
+
+  timer1_.setSingleShot(true);
+  timer1_.setInterval(0);
+  connect(&timer1_, &QTimer::timeout, this, [this] { controller_.OnTimer1(); });
+
+  ControlRegistry& controls = controller_.Controls();
+  binding_ = std::make_unique<RegistryBinding>(controls, this);
+  connect(binding_.get(), &RegistryBinding::clicked, this, &AnalyseWindow::OnClicked);
+  connect(binding_.get(), &RegistryBinding::keyPressed, this, [this](const std::string& name, int key) {
+    if (name == "TextMagni" && key == 13) controller_.PicAnaRefresh();
+  });
+  subscription_ =
+      controls.Subscribe([this](const std::string& name, const ControlState& state) { OnRegistryChange(name, state); });
+  // The palette the controller starts with.
+  controls.SetChecked("StyleColor(" + std::to_string(controller_.StyleColorIdx) + ")", true);
+}
+
+AnalyseWindow::~AnalyseWindow() {
+  controller_.Controls().Unsubscribe(subscription_);
+  controller_.PicAna = nullptr;
+  controller_.IsoPic = nullptr;
+}
+
+// The field list, the title, and the map, which scrolls when larger than its view.
+QWidget* AnalyseWindow::BuildMap() {
+  auto* area = new QWidget(this);
+  auto* layout = new QVBoxLayout(area);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* choice = new QHBoxLayout;
+  choice->addWidget(new QLabel(QStringLiteral("Field"), area));
+  fields_ = new QComboBox(area);
+  fields_->setObjectName(QStringLiteral("Combo2"));
+  fields_->setMaxVisibleItems(25);
+  connect(fields_, &QComboBox::activated, this, [this](int index) {
+    controller_.OnCombo2Click(index);
+    MirrorList(fields_, controller_.Controls().Get("Combo2"));  // a refused entry is put back
+  });
+  choice->addWidget(fields_);
+  choice->addStretch(1);
+  layout->addLayout(choice);
+  auto* title = new QLabel(area);
+  title->setObjectName(QStringLiteral("Titre"));
+  title->setAlignment(Qt::AlignCenter);
+  QFont font = title->font();
+  font.setPointSize(font.pointSize() + 3);
+  font.setBold(true);
+  title->setFont(font);
+  layout->addWidget(title);
+
+  map_ = new CanvasView(area);
+  map_->setObjectName(QStringLiteral("PicAna"));
+  map_->setMouseTracking(true);
+  map_->onMouse = [this](QMouseEvent* event) {
+    if (event->type() != QEvent::MouseMove) return;
+    const QImageCanvas& canvas = *map_->Surface();
+    controller_.OnPicAnaMouseMove(canvas.ToUserX(event->position().x()), canvas.ToUserY(event->position().y()));
+  };
+  referenceBox_ = new Outline(map_);
+  Overlay(referenceBox_, "ReferenceBox");
+
+  scroll_ = new QScrollArea(area);
+  scroll_->setAlignment(Qt::AlignCenter);
+  scroll_->setBackgroundRole(QPalette::Dark);
+  scroll_->setWidget(map_);
+  layout->addWidget(scroll_, 1);
+  return area;
+}
+
+// The colour bar with its labels and the options, scrolling when the window
+// is too low for them.
+QWidget* AnalyseWindow::BuildSide() {
+  auto* panel = new QWidget;
+  auto* layout = new QVBoxLayout(panel);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(BuildScale());
+  layout->addLayout(BuildOptions());
+  layout->addStretch(1);
+
+  auto* side = new QScrollArea(this);
+  side->setFrameShape(QFrame::NoFrame);
+  side->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  side->setWidgetResizable(true);
+  side->setWidget(panel);
+  side->setFixedWidth(panel->sizeHint().width() + side->verticalScrollBar()->sizeHint().width());
+  return side;
+}
+
+// The bar, with its pointer over it, and the five labels of its range under it.
+QWidget* AnalyseWindow::BuildScale() {
+  scaleFrame_ = new QGroupBox(this);
+  scaleFrame_->setObjectName(QStringLiteral("CadreIso"));
+  auto* layout = new QVBoxLayout(scaleFrame_);
+  bar_ = new CanvasView(scaleFrame_);
+  bar_->setObjectName(QStringLiteral("IsoPic"));
+  controller_.IsoPic = &bar_->Resize(kBarSize);
+  bar_->onMouse = [this](QMouseEvent* event) {
+    const QImageCanvas& bar = *bar_->Surface();
+    // Dragged past an end, the pointer stays on the bar.
+    const double x = bar.ToUserX(std::clamp(event->position().x(), 0.0, bar.PixelWidth() - 1.0));
+    if (event->type() == QEvent::MouseButtonPress)
+      controller_.OnIsoPicMouseDown(ButtonCode(event->button()), x);
+    else if (event->type() == QEvent::MouseMove)
+      controller_.OnIsoPicMouseMove(ButtonCode(event->buttons()), x);
+    else
+      controller_.OnIsoPicMouseUp(ButtonCode(event->button()));
+  };
+  isoLine_ = new QWidget(bar_);
+  isoLine_->setAutoFillBackground(true);
+  isoLine_->setPalette(QPalette(Qt::black));
+  Overlay(isoLine_, "IsoLine");
+  auto* isoLabel = new QLabel(bar_);
+  isoLabel->setAutoFillBackground(true);
+  isoLabel->setAlignment(Qt::AlignCenter);
+  isoLabel_ = isoLabel;
+  Overlay(isoLabel_, "IsoLabel");
+  layout->addWidget(bar_);
+
+  // The labels spread evenly from one end of the bar to the other.
+  auto* labels = new QHBoxLayout;
+  for (int i = 0; i < 5; ++i) {
+    auto* label = new QLabel(scaleFrame_);
+    label->setObjectName(QStringLiteral("LabEchelle(%1)").arg(i));
+    if (i > 0) labels->addStretch(1);
+    labels->addWidget(label);
+    if (i != 0 && i != 4) continue;
+    label->setCursor(Qt::PointingHandCursor);
+    label->setToolTip(i == 0 ? QStringLiteral("Click to give a new minimum")
+                             : QStringLiteral("Click to give a new maximum"));
+    label->installEventFilter(this);
+    scaleLabels_[i / 4] = label;
+  }
+  layout->addLayout(labels);
+  return scaleFrame_;
+}
+
+QLayout* AnalyseWindow::BuildOptions() {
+  auto* layout = new QVBoxLayout;
+  // The checks two a row, then the two that come with a value.
+  auto* display = new QGroupBox(QStringLiteral("Display"), this);
+  auto* grid = new QGridLayout(display);
+  grid->setVerticalSpacing(2);
+  const NamedCaption checks[] = {{"PictureShow", "Show Picture"},
+                                 {"ShowIsoCheck", "Show IsoValue"},
+                                 {"Bad", "Show Bad Pattern"},
+                                 {"ShowReference", "Show Reference"}};
+  for (int i = 0; i < 4; ++i) {
+    const bool left = i % 2 == 0;
+    grid->addWidget(Check(checks[i], display), i / 2, left ? 0 : 1, 1, left ? 1 : 2);
+  }
+  int row = 2;
+  grid->addWidget(Check({"Deborde", "Colour out-of-range values"}, display), row++, 0, 1, 3);
+  grid->addWidget(Check({"Interpolation", "Interpolation"}, display), row, 0);
+  grid->addWidget(new QLabel(QStringLiteral("Smoothing"), display), row, 1, Qt::AlignRight);
+  smoothing_ = new QComboBox(display);
+  smoothing_->setObjectName(QStringLiteral("SmoothCombo"));
+  smoothing_->setEditable(true);
+  smoothing_->setInsertPolicy(QComboBox::NoInsert);
+  smoothing_->setToolTip(QStringLiteral("Smoothing"));
+  // Typed text is kept as it comes; Enter or a choice paints with it.
+  connect(smoothing_->lineEdit(), &QLineEdit::textEdited, this,
+          [this](const QString& text) { controller_.Controls().SetText("SmoothCombo", FromQt(text)); });
+  connect(smoothing_->lineEdit(), &QLineEdit::returnPressed, this,
+          [this] { ApplySmoothing(smoothing_->currentText()); });
+  connect(smoothing_, &QComboBox::textActivated, this, [this](const QString& text) {
+    if (FromQt(text) != controller_.Controls().Text("SmoothCombo")) ApplySmoothing(text);
+  });
+  smoothing_->setFixedWidth(kValueWidth);
+  grid->addWidget(smoothing_, row++, 2);
+  grid->addWidget(Check({"Amplification", "Amplification"}, display), row, 0);
+  auto* magnification = new QLineEdit(display);
+  magnification->setObjectName(QStringLiteral("TextMagni"));
+  magnification->setFixedWidth(kValueWidth);
+  grid->addWidget(magnification, row++, 2);
+  layout->addWidget(display);
+
+  auto* pair = new QHBoxLayout;
+  pair->addWidget(OptionGroup("Map drawn", "Option3", {{"on final picture"}, {"on initial picture"}}, this));
+  pair->addWidget(OptionGroup("Colours", "StyleColor",
+                              {{"Classical", "Classical colors Blue to Red"},
+                               {"Grey Level", "Only grey colors"},
+                               {"Enhanced", "Classical colors plus black and white"}},
+                              this));
+  layout->addLayout(pair);
+  layout->addWidget(
+      OptionGroup("Min-Max", "OptionMinMax",
+                  {{"Find Min-Max every time", "For each configuration, Min and Max values would be searched"},
+                   {"Keep Min-Max between sequence", "The Min and Max values are not changed between sequences"},
+                   {"Auto adjust Min-Max", "For each configuration,Optimal Min and Max values would be searched"}},
+                  this));
+  return layout;
+}
+
+void AnalyseWindow::OnClicked(const std::string& name) {
+  if (RepaintsTheMap(name))
+    controller_.PicAnaRefresh();
+  else if (const auto style = ControlIndex(name, "StyleColor"))
+    controller_.StyleColor(*style);
+  else if (const auto option = ControlIndex(name, "OptionMinMax"))
+    controller_.OptionMinMax(*option);
+}
+
+void AnalyseWindow::ApplySmoothing(const QString& text) {
+  controller_.Controls().SetText("SmoothCombo", FromQt(text));
+  controller_.PicAnaRefresh();
+}
+
+void AnalyseWindow::OnRegistryChange(const std::string& name, const ControlState& state) {
+  if (name == "PicAna") {
+    SizeMap(state);
+  } else if (name == "ReferenceBox") {
+    PlaceReferenceBox();
+  } else if (name == "IsoLine") {
+    isoLine_->setGeometry(state.left, state.top, state.width, state.height);
+  } else if (name == "IsoLabel") {
+    isoLabel_->setGeometry(state.left, state.top, state.width, state.height);
+  } else if (name == "Combo2") {
+    MirrorList(fields_, state);
+  } else if (name == "SmoothCombo") {
+    MirrorList(smoothing_, state);
+  } else if (name == "CadreIso") {
+    scaleFrame_->setTitle(ToQt(state.text));
+  } else if (name == "Timer1") {
+    if (state.checked)
+      timer1_.start();
+    else
+      timer1_.stop();
+  }
+}
+
+// The map's surface follows the bounds the controller lays out for it.
+void AnalyseWindow::SizeMap(const ControlState& bounds) {
+  controller_.PicAna = &map_->Resize({std::max(1, bounds.width), std::max(1, bounds.height)});
+  PlaceReferenceBox();
+}
+
+// The reference box is given in picture pixels; the map shows them at the view's zoom.
+void AnalyseWindow::PlaceReferenceBox() {
+  const ControlState& box = controller_.Controls().Get("ReferenceBox");
+  const double zoom = controller_.View.Zoom;
+  referenceBox_->setGeometry(qRound(box.left * zoom), qRound(box.top * zoom), qRound(box.width * zoom),
+                             qRound(box.height * zoom));
+}
+
+bool AnalyseWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::MouseButtonRelease && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+    if (watched == scaleLabels_[0]) controller_.LabEchelle(0);
+    if (watched == scaleLabels_[1]) controller_.LabEchelle(4);
+  }
+  return QFrame::eventFilter(watched, event);
+}
+
+void AnalyseWindow::showEvent(QShowEvent* event) {
+  QFrame::showEvent(event);
+  // Each showing follows a file chosen with Analyse: the window loads afresh,
+  // and Timer1 reads the file once the window is on screen.
+  if (!event->spontaneous()) controller_.Load();
+}
+
+void AnalyseWindow::hideEvent(QHideEvent* event) {
+  QFrame::hideEvent(event);
+  if (!event->spontaneous()) timer1_.stop();
+}
+
+}  // namespace tessiva
