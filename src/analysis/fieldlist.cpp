@@ -88,6 +88,8 @@ std::string FieldTitle(const FieldEntry& entry, const UnitNames& units) {
   return std::string(entry.title) + UnitText(entry.titleUnit, units) + std::string(entry.titleEnd);
 }
 
+std::string FieldUnit(const FieldEntry& entry, const UnitNames& units) { return UnitText(entry.unit, units); }
+
 std::string ScaleCaption(const FieldEntry& entry, const UnitNames& units) {
   const std::string unit = UnitText(entry.unit, units);
   return unit.empty() ? std::string(entry.scaleName) : std::string(entry.scaleName) + " in " + unit;

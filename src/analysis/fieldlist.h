@@ -51,6 +51,9 @@ struct UnitNames {
 
 // The title shown over the map.
 std::string FieldTitle(const FieldEntry& entry, const UnitNames& units);
+// The unit the entry's values are shown in ("%", "Degrees", a unit's name),
+// empty when it has none.
+std::string FieldUnit(const FieldEntry& entry, const UnitNames& units);
 // The scale name, then " in " and the unit when there is one.
 std::string ScaleCaption(const FieldEntry& entry, const UnitNames& units);
 

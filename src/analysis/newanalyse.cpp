@@ -46,7 +46,36 @@ void NewAnalyse::OnOkDistorClick(bool checked) {
   PicAnaRefresh();
 }
 
-void NewAnalyse::ShowInfo() { ui_.Frame().SetVisible("Info", true); }
+void NewAnalyse::ShowInfo() { Info.Show(ui_); }
+
+void NewAnalyse::OnInfoClose() { picking_.CloseInfo(); }
+
+bool NewAnalyse::OnToolbar1Click(const std::string& key) {
+  if (picking_.OnToolbarKey(key)) return true;
+  if (key != "CLF") return false;
+  ArmSectionTool();
+  return true;
+}
+
+void NewAnalyse::OnPicAnaMouseDown(int button, int shift, double x, double y) {
+  picking_.MouseDown(button, shift, x, y);
+}
+
+void NewAnalyse::OnPicAnaMouseMove(int button, int shift, double x, double y) {
+  if (picking_.PickTool == kPickIdle) {
+    OnPicAnaMouseMove(x, y);
+  } else {
+    picking_.MouseMove(button, shift, x, y);
+  }
+}
+
+std::optional<PicAnaMenu> NewAnalyse::OnPicAnaMouseUp(int button, int shift, double x, double y) {
+  return picking_.MouseUp(button, shift, x, y);
+}
+
+void NewAnalyse::AfterFileChange() {
+  if (!picking_.OnFileChanged()) PicAnaRefresh();
+}
 
 void NewAnalyse::MinMaxDeplacement() {
   BusyPointer busy(ui_);
@@ -164,8 +193,9 @@ void NewAnalyse::ShowIsoPointer(double x) {
 void NewAnalyse::CalculKI() {}
 // Filled in with the stress intensity analysis.
 void NewAnalyse::AfficheKI(bool) {}
-// Filled in with the areas of selection and the gauges.
-void NewAnalyse::AfficheEtTraiteAOS(bool) {}
+void NewAnalyse::AfficheEtTraiteAOS(bool showHead) { picking_.AfficheEtTraiteAOS(showHead); }
+// Filled in with the forming-limit and crack analyses.
+void NewAnalyse::ArmSectionTool() {}
 // Filled in with the forming-limit analysis.
 void NewAnalyse::AfficheCLF(int32_t) {}
 // PicAna takes the size of the picture at the view's zoom; its scroll view shows what fits.
@@ -209,7 +239,9 @@ void NewAnalyse::Load() {
   Sin2Teta = 0.0;
   bInitial = true;
   View.Zoom = 1.0;
+  picking_.PickTool = kPickIdle;
   InitToolbar();
+  picking_.InitAOS();
   LecSeqResults(s_, ui_, controls_);
   CurFile = 1;
   VueCourante = kViewU;
@@ -236,7 +268,10 @@ void NewAnalyse::OnCombo2Click(int32_t index) {
   }
   DeleteAOS(s_, "temp");
   controls_.Update("Combo2", [index](ControlState& c) { c.listIndex = index; });
-  if (entry->view) VueCourante = *entry->view;
+  if (entry->view) {
+    VueCourante = *entry->view;
+    picking_.OnFieldChanged(VueCourante);
+  }
   PicAnaRefresh();
 }
 
@@ -329,6 +364,7 @@ void NewAnalyse::PicAnaRefresh() {
     AfficheE1E2(VueCourante);
   }
   if (VueCourante != kViewDeformedMesh && VueCourante != kViewVectors) DrawDistribution();
+  picking_.DrawOverlay(*PicAna);
   PicAna->Refresh();
 }
 

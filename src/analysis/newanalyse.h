@@ -6,8 +6,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "analysis/collector.h"
+#include "analysis/picking.h"
 #include "results/distortion.h"
 #include "results/fieldmap.h"
 #include "results/palette.h"
@@ -56,6 +59,11 @@ class NewAnalyse {
   ControlRegistry& Controls() { return controls_; }
   // The gauges of the measuring control JaugeCtrl1.
   GageStore& Gages() { return gages_; }
+  // The picking tools, the gauges and the stored selection.
+  Picking& PickingTools() { return picking_; }
+
+  // The data collector, the window all measuring tools write their tables into.
+  Collector Info;
 
   // Member of the sequence on show.
   int32_t CurFile = 1;
@@ -120,6 +128,22 @@ class NewAnalyse {
   // user's unit and the value of the field there go to StatusPos.
   void OnPicAnaMouseMove(double x, double y);
 
+  // A click on the key of a Toolbar1 button. The picking keys arm their
+  // tool, "CLF" the section tool; false for a key handled elsewhere.
+  bool OnToolbar1Click(const std::string& key);
+  // The pointer on the map, picture pixels, for the picking tools; `button`
+  // and `shift` as in ui/pointer.h. A move with no tool armed shows the
+  // value under the pointer. A right-button release gives the menu the view
+  // is to pop up; a gauge's choice goes to PickingTools().OnGaugeMenu.
+  void OnPicAnaMouseDown(int button, int shift, double x, double y);
+  void OnPicAnaMouseMove(int button, int shift, double x, double y);
+  std::optional<PicAnaMenu> OnPicAnaMouseUp(int button, int shift, double x, double y);
+  // After another member of the sequence was read: the selection and the
+  // gauges replay on it, or the map is repainted when there are none.
+  void AfterFileChange();
+  // The collector window closes: picking ends.
+  void OnInfoClose();
+
   // The value of a view at a point of the picture, 99999 where no usable pattern lies.
   double DonneIso(double x, double y, int32_t view, bool turned = true) const;
   // Copies the picture the map stands on into PicAna.
@@ -174,10 +198,14 @@ class NewAnalyse {
   virtual void AfficheCLF(int32_t view);
   // Sizes and centres PicAna and Repere in their frame.
   virtual void LayOutPicAna();
+  // Arms the section tool of the forming-limit and crack analyses (key "CLF").
+  virtual void ArmSectionTool();
+
+  // The settings the field values are read with.
+  FieldSettings FieldSettingsNow() const;
 
  private:
   RangeSettings RangeSettingsNow() const;
-  FieldSettings FieldSettingsNow() const;
   MapOptions MapOptionsNow() const;
   void InitToolbar();
   // Titles, captions and the reference box of the view on show.
@@ -198,6 +226,7 @@ class NewAnalyse {
   Param& param_;
   ControlRegistry controls_;
   GageStore gages_;
+  Picking picking_{*this};
 };
 
 }  // namespace tessiva

@@ -13,7 +13,7 @@ namespace tessiva {
 class ScriptedUi : public UiPort {
  public:
   struct Shown {
-    std::string kind;  // "message", "input", "open", "save", "clipboard", "process"
+    std::string kind;  // "message", "input", "open", "save", "clipboard", "process", "beep"
     std::string text;
     std::string title;
   };
@@ -44,6 +44,7 @@ class ScriptedUi : public UiPort {
   FileDialogResult SaveFileDialog(const FileDialogRequest& request) override;
   void SetClipboardText(const std::string& text) override;
   void SetClipboardPicture(const RgbImage& picture) override;
+  void Beep() override { log.push_back({"beep", {}, {}}); }
   bool StartProcess(const std::string& program, const std::vector<std::string>& arguments) override;
   void SetBusy(bool busy) override { busyDepth += busy ? 1 : -1; }
   void DoEvents() override {}

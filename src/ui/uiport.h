@@ -78,6 +78,8 @@ class UiPort {
   virtual FileDialogResult SaveFileDialog(const FileDialogRequest& request) = 0;
   virtual void SetClipboardText(const std::string& text) = 0;
   virtual void SetClipboardPicture(const RgbImage& picture) = 0;
+  // The system's alert sound, when a long transfer is done.
+  virtual void Beep() {}
   // Starts a program without waiting for it; false when it could not be started.
   virtual bool StartProcess(const std::string& program, const std::vector<std::string>& arguments) = 0;
   virtual void SetBusy(bool busy) = 0;

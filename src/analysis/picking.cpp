@@ -1,0 +1,522 @@
+#include "analysis/picking.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+#include "analysis/analysisfiles.h"
+#include "analysis/newanalyse.h"
+#include "results/fieldmap.h"
+#include "results/ranges.h"
+#include "state/colour.h"
+#include "state/numtext.h"
+#include "ui/pointer.h"
+
+namespace tessiva {
+namespace {
+
+constexpr int kSelectionColour = 12;  // red
+constexpr int kFirstToolButton = 3, kLastToolButton = 9;
+// A line or a rectangle counts only from a diagonal of this many grid steps.
+constexpr double kShortestDrag = 3.0;
+
+int32_t GaugeKindOfTool(int32_t tool) {
+  return tool == kPickSlider ? kGaugeSlider : tool == kPickRosette ? kGaugeRosette : kGaugeLinear;
+}
+
+int32_t ToolOfGaugeKind(int32_t kind) {
+  return kind == kGaugeSlider ? kPickSlider : kind == kGaugeRosette ? kPickRosette : kPickGage;
+}
+
+bool IsGaugeTool(int32_t tool) { return tool == kPickSlider || tool == kPickGage || tool == kPickRosette; }
+
+std::string JoinedItems(const std::vector<std::string>& items) {
+  std::string text;
+  for (size_t i = 0; i < items.size(); ++i) text += (i ? "\t" : "") + items[i];
+  return text;
+}
+
+}  // namespace
+
+std::string ToolbarButton(int index) { return "Toolbar1.Button" + std::to_string(index); }
+
+Picking::Picking(NewAnalyse& window) : JaugeCtrl1(window.Gages()), w_(window) {}
+
+// ---- Arming -----------------------------------------------------------------
+
+bool Picking::OnToolbarKey(std::string_view key) {
+  const PickToolKey* tool = PickToolOfKey(key);
+  if (!tool) return false;
+  Arm(tool->tool);
+  return true;
+}
+
+// Clearing the gauges repaints the map too, so that none stays drawn.
+void Picking::Arm(int32_t tool) {
+  if (JaugeCtrl1.JaugeCount() > 0) JaugeCtrl1.JaugeClear();
+  w_.PicAnaRefresh();
+  Selection.NboxAOS = kAosNone;
+  PickTool = tool;
+  X1Pick = Y1Pick = -1.0;
+  if (IsGaugeTool(tool)) JaugeType = GaugeKindOfTool(tool);
+  PressToolButton(tool);
+  w_.ShowInfo();
+  StartCollector();
+}
+
+void Picking::PickEnabled() {
+  for (const PickToolKey& tool : PickToolKeys()) w_.Controls().SetEnabled(ToolbarButton(tool.button), true);
+}
+
+void Picking::PickDisabled() {
+  for (const PickToolKey& tool : PickToolKeys()) w_.Controls().SetEnabled(ToolbarButton(tool.button), false);
+}
+
+void Picking::PressToolButton(int32_t tool) {
+  const PickToolKey* key = PickToolOfCode(tool);
+  const int pressed = key ? key->button : 0;
+  for (int i = kFirstToolButton; i <= kLastToolButton; ++i) w_.Controls().SetChecked(ToolbarButton(i), i == pressed);
+}
+
+void Picking::ReleaseToolButtons() { PressToolButton(kPickIdle); }
+
+void Picking::BuildHead() {
+  const AppState& s = w_.State();
+  const HeadContext head{s.FileTitle, CurrentFileName(), w_.VueCourante,
+                         UnitNames{s.UnitNameX, s.UnitNameY, s.UnitNameX}, PickingExtra(true)};
+  w_.Info.TitreInfo = PickTitle(PickTool, head);
+  w_.Info.ColonnesInfo = PickColumns(PickTool, head);
+}
+
+void Picking::StartCollector() {
+  BuildHead();
+  w_.Info.SetText(w_.Info.TitreInfo + w_.Info.ColonnesInfo);
+}
+
+// ---- The pointer on the map ---------------------------------------------------
+
+bool Picking::InPicture(double x, double y) const {
+  const AppState& s = w_.State();
+  return x >= 0 && x <= s.Lima && y >= 0 && y <= s.Hima;
+}
+
+void Picking::ShowLine(double x1, double y1, double x2, double y2) {
+  w_.Controls().Update("Line1", [&](ControlState& c) {
+    c.left = RoundToInt32(x1), c.top = RoundToInt32(y1);
+    c.width = RoundToInt32(x2 - x1), c.height = RoundToInt32(y2 - y1);
+    c.visible = true;
+  });
+}
+
+void Picking::ShowShape(double left, double top, double width, double height) {
+  w_.Controls().Update("Shape1", [&](ControlState& c) {
+    c.left = RoundToInt32(left), c.top = RoundToInt32(top);
+    c.width = RoundToInt32(width), c.height = RoundToInt32(height);
+    c.visible = true;
+  });
+}
+
+void Picking::HideRubbers() {
+  w_.Controls().SetVisible("Line1", false);
+  w_.Controls().SetVisible("Shape1", false);
+}
+
+void Picking::MouseDown(int button, int shift, double x, double y) {
+  x = Round(x), y = Round(y);
+  if (button != kLeftButton || (shift & kShiftKey) || !InPicture(x, y)) return;
+  switch (PickTool) {
+    case kPickSlider:
+    case kPickGage:
+    case kPickRosette:
+    case kPickLine:
+      Selection.NboxAOS = kAosNone;
+      X1Pick = x, Y1Pick = y;
+      if (PickTool == kPickRosette) {
+        ShowShape(x, y, 1, 1);
+      } else {
+        ShowLine(x, y, x + 1, y);
+      }
+      break;
+    case kPickRectangle:
+      Selection.NboxAOS = kAosNone;
+      X1Pick = x, Y1Pick = y;
+      ShowShape(x, y, 0, 0);
+      break;
+    case kPickPoint:
+      Selection.NboxAOS = kAosNone;
+      X1Pick = x, Y1Pick = y;
+      break;
+    default:
+      // The section tool's presses belong to the forming-limit and crack analyses.
+      break;
+  }
+}
+
+void Picking::MouseMove(int button, int, double x, double y) {
+  x = Round(x), y = Round(y);
+  if (!InPicture(x, y)) return;
+  const AppState& s = w_.State();
+  const auto shortText = [&s](double value) { return Format(value, s.FormatShort); };
+  std::string text = "(" + shortText(x * s.UnitPX) + ", " + shortText(y * s.UnitPY) + ")";
+  if ((button & kLeftButton) && X1Pick >= 0) {
+    const double dx = x - X1Pick, dy = y - Y1Pick;
+    switch (PickTool) {
+      case kPickRosette: {
+        const double side = Round(std::max(std::abs(dx), std::abs(dy)));
+        ShowShape(X1Pick, Y1Pick, side, side);
+        text += " WH: " + shortText(side * std::sqrt(s.UnitPY * s.UnitPX));
+        break;
+      }
+      case kPickSlider:
+      case kPickGage:
+      case kPickLine:
+        ShowLine(X1Pick, Y1Pick, x, y);
+        text += " L: " + shortText(std::hypot(dx * s.UnitPX, dy * s.UnitPY));
+        break;
+      case kPickRectangle:
+        ShowShape(std::min(x, X1Pick), std::min(y, Y1Pick), std::abs(dx), std::abs(dy));
+        text += " WxH: " + shortText(std::abs(dx) * s.UnitPX) + "x" + shortText(std::abs(dy) * s.UnitPY);
+        break;
+      default:
+        break;
+    }
+  }
+  w_.Ui().StatusPos(text);
+}
+
+// A point needs no press, so that a position typed in (the keyboard input of
+// the window's menu) places it through this release alone.
+std::optional<PicAnaMenu> Picking::MouseUp(int button, int shift, double x, double y) {
+  x = Round(x), y = Round(y);
+  const bool shifted = (shift & kShiftKey) != 0;
+  if (!shifted && !InPicture(x, y)) return std::nullopt;
+  if (button == kRightButton && !shifted) {
+    if (JaugeCtrl1.JaugeCount() > 0) {
+      auto menu = JaugeCtrl1.JaugeMouseUp(button, shift, x, y);
+      if (!menu) return std::nullopt;
+      return PicAnaMenu{{}, std::move(menu)};
+    }
+    return PicAnaMenu{PickTool == kPickPoint ? "MenuMNU" : "FileMNU", std::nullopt};
+  }
+  if (button != kLeftButton) return std::nullopt;
+  // The forming-limit diagram takes its releases itself.
+  if (!shifted && w_.VueCourante == kViewFlcDiagram) return std::nullopt;
+  const double x1 = X1Pick, y1 = Y1Pick;
+  X1Pick = Y1Pick = -1.0;
+  const AppState& s = w_.State();
+  switch (PickTool) {
+    case kPickSlider:
+    case kPickGage:
+    case kPickRosette: {
+      HideRubbers();
+      if (x1 < 0) break;
+      if (JaugeCtrl1.JaugeCount() > 0) {
+        JaugeCtrl1.JaugeClear();
+        w_.PicAnaRefresh();
+      }
+      const int32_t gauge = JaugeFromDrag(JaugeCtrl1, w_.PicAna, JaugeType, x1, y1, x, y, s.Lpas);
+      if (gauge == 0) break;
+      GaugeRowOf(gauge);
+      JaugeCtrl1.JaugeDraw(gauge);
+      if (w_.PicAna) w_.PicAna->Refresh();
+      SaveWorkingCopy();
+      break;
+    }
+    case kPickPoint:
+      if (PointAt(x, y)) SaveWorkingCopy();
+      break;
+    case kPickLine:
+    case kPickRectangle:
+      HideRubbers();
+      if (x1 < 0) break;
+      X2Pick = x, Y2Pick = y;
+      if (std::hypot(x - x1, y - y1) < kShortestDrag * s.Lpas) break;
+      if (PickTool == kPickLine) {
+        SetSelection(kAosLine, {{x1, y1}, {x, y}});
+        SampleLine();
+      } else {
+        SetSelection(kAosRectangle, {{x1, y1}, {x, y1}, {x, y}, {x1, y}, {x1, y1}});
+        RectangleToClipboard();
+      }
+      SaveWorkingCopy();
+      break;
+    default:
+      break;
+  }
+  return std::nullopt;
+}
+
+void Picking::OnGaugeMenu(int32_t gauge, GaugeAction action) {
+  if (!JaugeCtrl1.Exists(gauge)) return;
+  JaugeCtrl1.JaugeAction(gauge, action, w_.Ui(), FormatLong());
+  if (action == GaugeAction::CopyValues) return;
+  SaveWorkingCopy();
+  if (action == GaugeAction::Delete) w_.PicAnaRefresh();
+}
+
+// ---- Rows ---------------------------------------------------------------------
+
+std::string Picking::CurrentFileName() const {
+  const AppState& s = w_.State();
+  if (w_.CurFile >= 1 && static_cast<size_t>(w_.CurFile) < s.DataFileName.size())
+    return s.DataFileName[static_cast<size_t>(w_.CurFile)];
+  return s.ResName;
+}
+
+std::string Picking::FormatLong() const { return w_.State().FormatLong; }
+
+std::string Picking::PickingExtra(bool head) const {
+  return JoinedItems(w_.Controls().Get(head ? "Combo3" : "List3").items);
+}
+
+void Picking::GaugeRowOf(int32_t gauge) {
+  const FieldSettings settings = w_.FieldSettingsNow();
+  const GaugeMeasure m = MeasureGauge(w_.State(), settings, JaugeCtrl1, gauge);
+  w_.Info.Append(GaugeRow(JaugeCtrl1.JaugeKind(gauge), CurrentFileName(), PickingExtra(false), m, settings,
+                          FormatLong()));
+}
+
+// The point is marked on the map with its value beside it.
+bool Picking::PointAt(double x, double y) {
+  const double value = w_.DonneIso(x, y, w_.VueCourante);
+  if (value == kFenceValue) return false;
+  const AppState& s = w_.State();
+  if (Canvas* map = w_.PicAna) {
+    map->SetDrawWidth(2);
+    map->Point(x, y, QBColor(kSelectionColour));
+    map->SetDrawWidth(1);
+    map->Text(x, y, " (" + Format(value, FormatLong()) + ") ", QBColor(kSelectionColour));
+    map->Refresh();
+  }
+  std::vector<double> values;
+  for (const RowField& field : RowFields(w_.VueCourante, s.UnitPX, s.UnitPY))
+    values.push_back(w_.DonneIso(x, y, field.view) * field.factor);
+  w_.Info.Append(PointRow(CurrentFileName(), PickingExtra(false), x * s.UnitPX, y * s.UnitPY, values, FormatLong()));
+  SetSelection(kAosPoint, {{x, y}});
+  return true;
+}
+
+// The whole profile goes to the collector at once.
+void Picking::SampleLine() {
+  if (Selection.XAOS.size() <= kAosLine || Selection.YAOS.size() <= kAosLine) return;
+  if (Canvas* map = w_.PicAna) {
+    DrawLine(*map);
+    map->Refresh();
+  }
+  const AppState& s = w_.State();
+  const double x1 = Selection.XAOS[1], y1 = Selection.YAOS[1];
+  const double dx = Selection.XAOS[2] - x1, dy = Selection.YAOS[2] - y1;
+  const double length = std::hypot(dx, dy);
+  const double unit = std::sqrt(s.UnitPY * s.UnitPX);
+  const std::vector<RowField> fields = RowFields(w_.VueCourante, s.UnitPX, s.UnitPY);
+  const std::string extras = PickingExtra(false);
+  std::string rows;
+  std::vector<double> values;
+  for (const double t : LineSamples(length, s.Lpas)) {
+    const double x = x1 + t * dx / length, y = y1 + t * dy / length;
+    if (w_.DonneIso(x, y, w_.VueCourante) == kFenceValue) continue;
+    values.clear();
+    for (const RowField& field : fields) values.push_back(w_.DonneIso(x, y, field.view) * field.factor);
+    rows += LineRow(extras, t * unit, x * s.UnitPX, y * s.UnitPY, values, FormatLong());
+  }
+  w_.Info.Append(rows);
+}
+
+// The box runs from the press point (vertex 5) to the release point (vertex 3).
+void Picking::RectangleToClipboard() {
+  if (Selection.XAOS.size() <= kAosRectangle || Selection.YAOS.size() <= kAosRectangle) return;
+  if (Canvas* map = w_.PicAna) {
+    DrawRectangle(*map);
+    map->Refresh();
+  }
+  const AppState& s = w_.State();
+  UiPort& ui = w_.Ui();
+  Collector& info = w_.Info;
+  info.SetText(info.TitreInfo + info.ColonnesInfo);
+  info.Append("Please wait, the Data will be sent to the clipboard\r\n");
+  const RectangleGrid grid = RectangleSamples(Selection.XAOS[5], Selection.YAOS[5], Selection.XAOS[3],
+                                              Selection.YAOS[3]);
+  const int32_t view = w_.VueCourante;
+  const std::string table = RectangleTable(
+      info.TitreInfo, grid, view, s.UnitPX, s.UnitPY, [&](double x, double y) { return w_.DonneIso(x, y, view); },
+      FormatLong());
+  ui.SetClipboardText(table);
+  info.Append("Transfert complete\r\n");
+  ui.Beep();
+}
+
+// ---- Replay -------------------------------------------------------------------
+
+void Picking::AfficheEtTraiteAOS(bool showHead) {
+  const int32_t last = JaugeCtrl1.JaugeCount();
+  if (last > 0 && JaugeCtrl1.Exists(last)) {
+    JaugeType = JaugeCtrl1.JaugeKind(last);
+    PickTool = ToolOfGaugeKind(JaugeType);
+    PressToolButton(PickTool);
+    Selection.NboxAOS = kAosNone;
+    if (showHead) StartCollector();
+    GaugeRowOf(last);
+    w_.PicAnaRefresh();
+  }
+  if (Selection.NboxAOS == kAosNone) return;
+  w_.PicAnaRefresh();
+  switch (Selection.NboxAOS) {
+    case kAosPoint:
+      PickTool = kPickPoint;
+      PressToolButton(PickTool);
+      if (showHead) StartCollector();
+      if (Selection.XAOS.size() > 1 && Selection.YAOS.size() > 1) PointAt(Selection.XAOS[1], Selection.YAOS[1]);
+      break;
+    case kAosLine:
+      // The profile of the member on show replaces the last one, whatever showHead says.
+      PickTool = kPickLine;
+      PressToolButton(PickTool);
+      StartCollector();
+      SampleLine();
+      break;
+    case kAosRectangle:
+      PickTool = kPickRectangle;
+      PressToolButton(PickTool);
+      StartCollector();
+      RectangleToClipboard();
+      break;
+    default:
+      // A crack (kAosCrack) is replayed by the stress intensity analysis.
+      break;
+  }
+}
+
+bool Picking::OnFileChanged() {
+  if (Selection.NboxAOS == kAosNone && JaugeCtrl1.JaugeCount() == 0) return false;
+  if (!LoadSelection(kWorkingCopy)) return false;
+  if (Selection.NboxAOS == kAosNone && JaugeCtrl1.JaugeCount() == 0) return false;
+  AfficheEtTraiteAOS(false);
+  return true;
+}
+
+void Picking::OnFieldChanged(int32_t view) {
+  if (PickTool != kPickSection) PickTool = kPickIdle;
+  X1Pick = Y1Pick = -1.0;
+  HideRubbers();
+  if (view == kViewFlcDiagram || view == kViewFlcDetermination) {
+    PickDisabled();
+  } else {
+    PickEnabled();
+  }
+}
+
+// ---- Drawing ------------------------------------------------------------------
+
+void Picking::DrawOverlay(Canvas& canvas) {
+  for (int32_t i = 1; i <= JaugeCtrl1.JaugeCount(); ++i)
+    if (JaugeCtrl1.Exists(i)) JaugeCtrl1.JaugeDraw(i, canvas);
+  if (Selection.NboxAOS == kAosLine) DrawLine(canvas);
+  if (Selection.NboxAOS == kAosRectangle) DrawRectangle(canvas);
+}
+
+void Picking::DrawLine(Canvas& canvas) const {
+  if (Selection.XAOS.size() <= kAosLine || Selection.YAOS.size() <= kAosLine) return;
+  canvas.SetDrawWidth(2);
+  canvas.Line(Selection.XAOS[1], Selection.YAOS[1], Selection.XAOS[2], Selection.YAOS[2], QBColor(kSelectionColour));
+  canvas.SetDrawWidth(1);
+}
+
+void Picking::DrawRectangle(Canvas& canvas) const {
+  if (Selection.XAOS.size() <= kAosRectangle || Selection.YAOS.size() <= kAosRectangle) return;
+  canvas.SetDrawWidth(2);
+  for (size_t j = 1; j < kAosRectangle; ++j)
+    canvas.Line(Selection.XAOS[j], Selection.YAOS[j], Selection.XAOS[j + 1], Selection.YAOS[j + 1],
+                QBColor(kSelectionColour));
+  canvas.SetDrawWidth(1);
+}
+
+// ---- Stored selections --------------------------------------------------------
+
+void Picking::SetSelection(int32_t kind, const std::vector<std::pair<double, double>>& vertices) {
+  Selection.NboxAOS = kind;
+  Selection.XAOS.assign(vertices.size() + 1, 0.0);
+  Selection.YAOS.assign(vertices.size() + 1, 0.0);
+  for (size_t j = 0; j < vertices.size(); ++j) std::tie(Selection.XAOS[j + 1], Selection.YAOS[j + 1]) = vertices[j];
+}
+
+void Picking::SaveWorkingCopy() { SauveAOS(w_.State(), Selection, w_.Gages(), kWorkingCopy); }
+
+// A gauge of a kind the component doesn't know makes the whole set unusable.
+bool Picking::LoadSelection(const std::string& name) {
+  SelectionArea selection;
+  GageStore gages;
+  const AppState& s = w_.State();
+  if (!LecAOS(s, w_.Ui(), selection, gages, name)) return false;
+  for (int32_t i = 1; i <= gages.Count(); ++i) {
+    if (!gages.Exists(i)) continue;
+    const int32_t kind = gages.Get(i).type;
+    if (kind != kGaugeLinear && kind != kGaugeRosette && kind != kGaugeSlider) {
+      w_.Ui().StatusLine(SideFilePath(s, kAosSets, name) + " can't be loaded");
+      return false;
+    }
+  }
+  // A set without an outline section holds no selection.
+  selection.NboxAOS = std::max(selection.NboxAOS, kAosNone);
+  Selection = std::move(selection);
+  JaugeCtrl1.JaugeClear();
+  w_.Gages() = std::move(gages);
+  return true;
+}
+
+void Picking::InitAOS() { tessiva::InitAOS(w_.State(), w_.Controls(), AreaNames); }
+
+void Picking::OnCombo1Change(const std::string& text) {
+  w_.Controls().SetText("Combo1", text);
+  w_.Controls().SetEnabled(ToolbarButton(kSaveAOSButton), true);
+}
+
+// While the list is hidden for a delete its clicks are the delete's own.
+void Picking::OnCombo1Click(int32_t index) {
+  ControlRegistry& controls = w_.Controls();
+  if (!controls.Visible("Combo1")) return;
+  const std::vector<std::string>& items = controls.Get("Combo1").items;
+  if (index < 0 || static_cast<size_t>(index) >= items.size()) return;
+  const std::string name = items[static_cast<size_t>(index)];
+  controls.Update("Combo1", [&](ControlState& c) {
+    c.listIndex = index;
+    c.text = name;
+  });
+  w_.ShowInfo();
+  ReleaseToolButtons();
+  if (!LoadSelection(name)) return;
+  AfficheEtTraiteAOS(true);
+  SaveWorkingCopy();
+}
+
+void Picking::OnCombo1Enter() {
+  SaveAOSByName(w_.State(), w_.Controls(), AreaNames, Selection, w_.Gages());
+  w_.Controls().SetEnabled(ToolbarButton(kSaveAOSButton), false);
+}
+
+void Picking::OnCombo1Delete(int32_t position) {
+  ControlRegistry& controls = w_.Controls();
+  controls.SetVisible("Combo1", false);
+  if (position < 1 || position > AreaNames.AreaCount) {
+    controls.SetText("Combo1", AreaNames.AreaCount > 0 ? AreaNames.AreaNames[static_cast<size_t>(AreaNames.AreaCount)]
+                                                       : std::string());
+  } else {
+    RemoveAOSName(w_.State(), controls, AreaNames, position);
+  }
+  controls.SetVisible("Combo1", true);
+}
+
+// Closing the collector repaints, so that no gauge stays drawn.
+void Picking::CloseInfo() {
+  ReleaseToolButtons();
+  Selection.NboxAOS = kAosNone;
+  const bool hadGauges = JaugeCtrl1.JaugeCount() > 0;
+  if (hadGauges) JaugeCtrl1.JaugeClear();
+  w_.State().FissureOn = false;
+  PickTool = kPickIdle;
+  X1Pick = Y1Pick = -1.0;
+  HideRubbers();
+  w_.Info.Hide(w_.Ui());
+  if (hadGauges) w_.PicAnaRefresh();
+}
+
+}  // namespace tessiva
