@@ -132,6 +132,9 @@ class Picking {
   std::string PickingExtra(bool head) const;
 
  private:
+  // The colour of the stored selection and of a picked point's mark: red.
+  static constexpr int kSelectionColour = 12;
+
   void BuildHead();
   void StartCollector();
   void PressToolButton(int32_t tool);

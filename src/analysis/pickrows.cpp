@@ -40,10 +40,14 @@ std::string Joined(std::initializer_list<std::string_view> fields) {
 std::string FieldPart(const HeadContext& head, bool groups) {
   const FieldGroup group = groups ? FieldGroupOf(head.view) : FieldGroup::Single;
   switch (group) {
-    case FieldGroup::Displacement: return ", Displacements in " + head.units.x;
-    case FieldGroup::Hencky: return ", Hencky Strain in %";
-    case FieldGroup::GreenLagrange: return ", Green Lagrange Strain in %";
-    case FieldGroup::Single: break;
+    case FieldGroup::Displacement:
+      return ", Displacements in " + head.units.x;
+    case FieldGroup::Hencky:
+      return ", Hencky Strain in %";
+    case FieldGroup::GreenLagrange:
+      return ", Green Lagrange Strain in %";
+    case FieldGroup::Single:
+      break;
   }
   const auto index = FieldIndexOfView(head.view);
   const FieldEntry* entry = index ? FieldAt(*index) : nullptr;
@@ -53,10 +57,14 @@ std::string FieldPart(const HeadContext& head, bool groups) {
 
 std::array<std::string_view, 3> GroupColumns(int32_t view) {
   switch (FieldGroupOf(view)) {
-    case FieldGroup::Displacement: return {"   Displ.1", "   Displ.2", "   Norm   "};
-    case FieldGroup::Hencky: return {"   Epsi 1 ", "   Epsi 2 ", "   Epsi 3 "};
-    case FieldGroup::GreenLagrange: return {"   Epsi 11", "   Epsi 22", "   Epsi 12"};
-    case FieldGroup::Single: break;
+    case FieldGroup::Displacement:
+      return {"   Displ.1", "   Displ.2", "   Norm   "};
+    case FieldGroup::Hencky:
+      return {"   Epsi 1 ", "   Epsi 2 ", "   Epsi 3 "};
+    case FieldGroup::GreenLagrange:
+      return {"   Epsi 11", "   Epsi 22", "   Epsi 12"};
+    case FieldGroup::Single:
+      break;
   }
   return {"   Value  ", "", ""};
 }
@@ -91,10 +99,20 @@ const PickToolKey* PickToolOfCode(int32_t code) {
 
 FieldGroup FieldGroupOf(int32_t view) {
   switch (view) {
-    case kViewU: case kViewV: case kViewNorm: return FieldGroup::Displacement;
-    case kViewH1: case kViewH2: case kViewH3: return FieldGroup::Hencky;
-    case kViewE11: case kViewE22: case kViewE12: return FieldGroup::GreenLagrange;
-    default: return FieldGroup::Single;
+    case kViewU:
+    case kViewV:
+    case kViewNorm:
+      return FieldGroup::Displacement;
+    case kViewH1:
+    case kViewH2:
+    case kViewH3:
+      return FieldGroup::Hencky;
+    case kViewE11:
+    case kViewE22:
+    case kViewE12:
+      return FieldGroup::GreenLagrange;
+    default:
+      return FieldGroup::Single;
   }
 }
 
@@ -102,9 +120,12 @@ std::vector<RowField> RowFields(int32_t view, double unitPX, double unitPY) {
   switch (FieldGroupOf(view)) {
     case FieldGroup::Displacement:
       return {{kViewU, unitPX}, {kViewV, unitPY}, {kViewNorm, std::sqrt(unitPY * unitPX)}};
-    case FieldGroup::Hencky: return {{kViewH1, 1.0}, {kViewH2, 1.0}, {kViewH3, 1.0}};
-    case FieldGroup::GreenLagrange: return {{kViewE11, 1.0}, {kViewE22, 1.0}, {kViewE12, 1.0}};
-    case FieldGroup::Single: break;
+    case FieldGroup::Hencky:
+      return {{kViewH1, 1.0}, {kViewH2, 1.0}, {kViewH3, 1.0}};
+    case FieldGroup::GreenLagrange:
+      return {{kViewE11, 1.0}, {kViewE22, 1.0}, {kViewE12, 1.0}};
+    case FieldGroup::Single:
+      break;
   }
   return {{view, 1.0}};
 }
@@ -113,11 +134,18 @@ std::vector<RowField> RowFields(int32_t view, double unitPX, double unitPY) {
 // line's keeps the name of the member on show when the tool was armed.
 std::string PickTitle(int32_t tool, const HeadContext& head) {
   switch (tool) {
-    case kPickPoint: return head.fileTitle + FieldPart(head, true) + kEnd;
-    case kPickLine: return head.fileTitle + ", " + head.fileName + FieldPart(head, true) + kEnd;
-    case kPickRectangle: return head.fileTitle + ", " + head.fileName + FieldPart(head, false) + kEnd;
-    case kPickSlider: case kPickGage: case kPickRosette: return head.fileTitle + kEnd;
-    default: return {};
+    case kPickPoint:
+      return head.fileTitle + FieldPart(head, true) + kEnd;
+    case kPickLine:
+      return head.fileTitle + ", " + head.fileName + FieldPart(head, true) + kEnd;
+    case kPickRectangle:
+      return head.fileTitle + ", " + head.fileName + FieldPart(head, false) + kEnd;
+    case kPickSlider:
+    case kPickGage:
+    case kPickRosette:
+      return head.fileTitle + kEnd;
+    default:
+      return {};
   }
 }
 
@@ -134,16 +162,19 @@ std::string PickColumns(int32_t tool, const HeadContext& head) {
       line = Joined({extras, "    Ds    ", kColumnX, kColumnY});
       AddGroupColumns(line, head.view);
       return line;
-    case kPickGage: return Joined({rule, extras, "    E1     ", "  Epsi11  ", "   Lamda  ", "   Lini   "});
+    case kPickGage:
+      return Joined({rule, extras, "    E1     ", "  Epsi11  ", "   Lamda  ", "   Lini   "});
     case kPickRosette:
       return Joined({rule, extras, "    E1    ", "    E2    ", "   Teta   ", "  Epsi11  ", "  Epsi12  ", "  Epsi22  ",
                      "  Surface ratio  "});
-    case kPickSlider: return Joined({rule, extras, "   Lini   ", "   Lfin   ", "  Lamda   "});
+    case kPickSlider:
+      return Joined({rule, extras, "   Lini   ", "   Lfin   ", "  Lamda   "});
     case kPickRectangle: {
       const std::string row = "X\tvalue\tvalue\tvalue\r\n";
       return "\tY\tY\tY\t\r\n" + row + row + row;
     }
-    default: return {};
+    default:
+      return {};
   }
 }
 
