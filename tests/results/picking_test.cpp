@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "results/analysisfixture.h"
+#include "state/keyfile.h"
 #include "state/numtext.h"
 #include "ui/pointer.h"
 
@@ -57,6 +58,7 @@ class PickingTest : public testing::AnalysisFixture {
  protected:
   PickingTest() {
     s.StartDir = dir.Path();
+    s.IniPath = dir.Path() + "/correl.ini";
     s.FileTitle = "test.seq";
     head.moreSections =
         "[UNIT]\nUnitNameX=mm\nUnitNameY=mm\nUnitPX=0.5\nUnitPY=0.25\n"
@@ -305,6 +307,25 @@ TEST_F(PickingTest, AReplayOverASequenceAddsPointRowsKeepsTheLastProfileAndGives
   ASSERT_EQ(rows.size(), 5u);
   for (int m = 1; m <= 3; ++m) EXPECT_NEAR(Numbers(rows[1 + m], 3)[2], 1 + 0.1 * m, 1e-12);
   EXPECT_TRUE(window.Controls().Checked(ToolbarButton(7))) << "the slider's button stays pressed";
+}
+
+TEST_F(PickingTest, ASelectionStoredUnderANameReplaysWithItsHeadWhenChosen) {
+  Read(Translation(1, 1));
+  pick.InitAOS();
+  window.OnToolbar1Click("point");
+  window.OnPicAnaMouseUp(kLeftButton, 0, 80, 90);
+  const std::string table = window.Info.DataText();
+  pick.OnCombo1Change(" mine ");
+  EXPECT_TRUE(window.Controls().Enabled(ToolbarButton(kSaveAOSButton)));
+  pick.OnCombo1Enter();
+  EXPECT_EQ(window.Controls().Get("Combo1").items, std::vector<std::string>{"mine"});
+  EXPECT_EQ(KeyFile::Load(s.IniPath).Text("AOS", "NAME1"), "mine");
+
+  window.OnToolbar1Click("trait");
+  pick.OnCombo1Click(0);
+  EXPECT_EQ(window.Info.DataText(), table);
+  EXPECT_EQ(pick.PickTool, kPickPoint);
+  EXPECT_TRUE(window.Controls().Checked(ToolbarButton(4)));
 }
 
 TEST_F(PickingTest, ADragShowsItsRubberAndItsSizeInUserUnits) {
