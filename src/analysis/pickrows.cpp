@@ -194,12 +194,15 @@ std::string LineRow(const std::string& extras, double distance, double x, double
 
 // Each distance is a multiple of the step rather than a running sum, so
 // that a line of a whole number of steps keeps its end sample. A grid
-// without a step is sampled every pixel.
+// without a step is sampled every pixel. A line from a damaged selection
+// file may be far longer than any picture: its samples stop at a bound no
+// picture reaches.
 std::vector<double> LineSamples(double length, int32_t lpas) {
+  constexpr int64_t kMostSamples = int64_t{1} << 20;
   std::vector<double> samples;
   if (!(length > 0) || !std::isfinite(length)) return samples;
   const double step = lpas > 0 ? lpas / 3.0 : 1.0;
-  for (int64_t k = 0;; ++k) {
+  for (int64_t k = 0; k < kMostSamples; ++k) {
     const double t = static_cast<double>(k) * step;
     if (t > length) break;
     samples.push_back(t);
