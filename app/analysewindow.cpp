@@ -20,7 +20,6 @@
 #include <initializer_list>
 
 #include "qimagecanvas.h"
-#include "ui/pointer.h"
 
 namespace tessiva {
 
@@ -82,15 +81,6 @@ class Outline : public QWidget {
 constexpr QSize kBarSize(318, 40);
 // The width of the fields of the smoothing and the amplification.
 constexpr int kValueWidth = 70;
-
-// Button codes as the controller counts them.
-int ButtonCode(Qt::MouseButtons buttons) {
-  int code = 0;
-  if (buttons & Qt::LeftButton) code |= kLeftButton;
-  if (buttons & Qt::RightButton) code |= kRightButton;
-  if (buttons & Qt::MiddleButton) code |= kMiddleButton;
-  return code;
-}
 
 // A widget drawn over a canvas that lets the pointer through to it.
 void Overlay(QWidget* widget, const char* name) {

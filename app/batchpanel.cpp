@@ -11,18 +11,6 @@
 #include "ui/pointer.h"
 
 namespace tessiva {
-namespace {
-
-// Button codes as the controllers count them.
-int ButtonCode(Qt::MouseButtons buttons) {
-  int code = 0;
-  if (buttons & Qt::LeftButton) code |= kLeftButton;
-  if (buttons & Qt::RightButton) code |= kRightButton;
-  if (buttons & Qt::MiddleButton) code |= kMiddleButton;
-  return code;
-}
-
-}  // namespace
 
 JobTreeView::JobTreeView(BatchWindow& controller, IconOf iconOf, QWidget* parent)
     : QTreeWidget(parent), controller_(controller), iconOf_(std::move(iconOf)) {
@@ -67,7 +55,7 @@ bool JobTreeView::eventFilter(QObject* watched, QEvent* event) {
       controller_.OnNodeClick(key);
   }
   Refresh();
-  emit handled();
+  Q_EMIT handled();
   return false;
 }
 

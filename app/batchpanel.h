@@ -34,7 +34,7 @@ class JobTreeView : public QTreeWidget {
   void Refresh();
   void Rebuild();
 
- signals:
+ Q_SIGNALS:
   // After each mouse event passed on to the controller.
   void handled();
 

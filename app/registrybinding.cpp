@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ui/canvas.h"
+#include "ui/pointer.h"
 
 namespace tessiva {
 namespace {
@@ -44,6 +45,14 @@ void SetForeColour(QWidget* widget, int code) {
 
 QString ToQt(const std::string& text) { return QString::fromStdString(text); }
 std::string FromQt(const QString& text) { return text.toStdString(); }
+
+int ButtonCode(Qt::MouseButtons buttons) {
+  int code = 0;
+  if (buttons & Qt::LeftButton) code |= kLeftButton;
+  if (buttons & Qt::RightButton) code |= kRightButton;
+  if (buttons & Qt::MiddleButton) code |= kMiddleButton;
+  return code;
+}
 
 std::optional<int> ControlIndex(std::string_view name, std::string_view base) {
   if (name.size() < base.size() + 3 || !name.starts_with(base) || name[base.size()] != '(' || !name.ends_with(')'))
@@ -96,7 +105,7 @@ void RegistryBinding::ForwardEdits(QWidget* widget, const std::string& name) {
   if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
     connect(edit, &QLineEdit::textEdited, this, [this, name](const QString& text) {
       registry_.SetText(name, FromQt(text));
-      emit edited(name);
+      Q_EMIT edited(name);
     });
     edit->installEventFilter(this);
   } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
@@ -104,7 +113,7 @@ void RegistryBinding::ForwardEdits(QWidget* widget, const std::string& name) {
     connect(button, &QAbstractButton::toggled, this, [this, name](bool on) {
       if (registry_.Checked(name) != on) registry_.SetChecked(name, on);
     });
-    connect(button, &QAbstractButton::clicked, this, [this, name] { emit clicked(name); });
+    connect(button, &QAbstractButton::clicked, this, [this, name] { Q_EMIT clicked(name); });
   } else if (auto* tabs = qobject_cast<QTabWidget*>(widget)) {
     connect(tabs, &QTabWidget::currentChanged, this, [this, name](int index) {
       if (registry_.Get(name).listIndex != index)
@@ -119,7 +128,7 @@ void RegistryBinding::ForwardEdits(QWidget* widget, const std::string& name) {
 bool RegistryBinding::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress && qobject_cast<QLineEdit*>(watched)) {
     const QString typed = static_cast<QKeyEvent*>(event)->text();
-    if (!typed.isEmpty()) emit keyPressed(FromQt(watched->objectName()), typed.at(0).unicode());
+    if (!typed.isEmpty()) Q_EMIT keyPressed(FromQt(watched->objectName()), typed.at(0).unicode());
   } else if (event->type() == QEvent::Close) {
     // A tool window the user closes is unloaded, as if its controller had hidden it.
     registry_.SetVisible(FromQt(watched->objectName()), false);

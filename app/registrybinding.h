@@ -23,6 +23,9 @@ std::string FromQt(const QString& text);
 // nothing when the name isn't `base` with an index.
 std::optional<int> ControlIndex(std::string_view name, std::string_view base);
 
+// Mouse buttons as the controllers count them (ui/pointer.h).
+int ButtonCode(Qt::MouseButtons buttons);
+
 // Registry to widgets: a field (text or caption, enabled, visible, checked,
 // colour, tab) is applied when its value in the registry changes. A registry
 // entry holds defaults for the fields no controller wrote, so until one writes a
@@ -46,7 +49,7 @@ class RegistryBinding : public QObject {
   RegistryBinding(ControlRegistry& registry, QWidget* root);
   ~RegistryBinding() override;
 
- signals:
+ Q_SIGNALS:
   void clicked(const std::string& name);
   void edited(const std::string& name);
   // The character code of a key typed in a text field (13 for Enter).

@@ -20,7 +20,6 @@
 #include "state/index.h"
 #include "state/keyfile.h"
 #include "ui/scriptedui.h"
-// Qt last: its keyword macros (slots, signals, emit) would rewrite the core's names.
 #include <QBuffer>
 #include <QByteArray>
 #include <QFont>

@@ -8,6 +8,7 @@
 
 #include "analysis/analysisfiles.h"
 #include "commands.h"
+#include "run.h"
 #include "results/analysisfixture.h"
 #include "results/exports.h"
 #include "state/files.h"
@@ -16,17 +17,6 @@ namespace tessiva::cli {
 namespace {
 
 using tessiva::testing::Displacement;
-
-struct Outcome {
-  int status;
-  std::string out, err;
-};
-
-Outcome RunCommand(const std::vector<std::string>& args) {
-  std::ostringstream out, err;
-  const int status = RunCli(args, out, err);
-  return {status, out.str(), err.str()};
-}
 
 std::string NotRightFormatted(const std::string& path) {
   return "This file :" + path + " is not right formatted, no data could be retrieved from this file\n";

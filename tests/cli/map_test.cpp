@@ -8,13 +8,13 @@
 #include <sstream>
 
 #include "commands.h"
+#include "run.h"
 #include "mapcommand.h"
 #include "results/palette.h"
 #include "setup/picture.h"
 #include "state/files.h"
 #include "support/resultwriter.h"
 #include "support/tempdir.h"
-// Qt last: its keyword macros would rewrite the core's names.
 #if TESSIVA_CLI_MAPS
 #include <QImage>
 #endif
@@ -24,17 +24,6 @@ namespace {
 
 using tessiva::testing::Displacement;
 using tessiva::testing::DisplacementField;
-
-struct Outcome {
-  int status;
-  std::string out, err;
-};
-
-Outcome RunCommand(const std::vector<std::string>& args) {
-  std::ostringstream out, err;
-  const int status = RunCli(args, out, err);
-  return {status, out.str(), err.str()};
-}
 
 #if !TESSIVA_CLI_MAPS
 

@@ -18,7 +18,7 @@ static QRgb At(const QImageCanvas& canvas, int x, int y) { return canvas.Image()
 class QtPortTests : public QObject {
   Q_OBJECT
 
- private slots:
+ private Q_SLOTS:
   void fileDialogFiltersAndResultsConvert();
   void userScaleMapsOntoPixelsAndBoxesCoverBothCorners();
   void xorDrawingTwiceRestoresThePicture();

@@ -60,7 +60,7 @@ void WhenFileDialogShown(const QString& path) {
 class WindowFlows : public QObject {
   Q_OBJECT
 
- private slots:
+ private Q_SLOTS:
   void cancelledAnalyseLeavesTheFrameEmpty();
   void analyseMapsTheResultAndSwitchesField();
   void startWithoutSolverPathTellsAndFails();
