@@ -18,7 +18,6 @@
 #include "setup/param.h"
 #include "state/files.h"
 #include "state/index.h"
-#include "state/keyfile.h"
 #include "ui/scriptedui.h"
 #include <QBuffer>
 #include <QByteArray>
@@ -346,7 +345,7 @@ class MapPainter {
 
   // Reads member i and paints its field; the PNG's bytes, or nothing when it failed (said on err).
   std::optional<std::string> Paint(int32_t i) {
-    // A member whose picture is missing must not show the picture of the member before.
+    // A member whose picture is missing must not be painted on the picture of the member before.
     window_.PicAnaTemp = {};
     window_.PicAnaTemp2 = {};
     const size_t shown = ui_.Messages().size();
@@ -357,7 +356,7 @@ class MapPainter {
       if (messages.size() == shown) err_ << Trim(frame_.Text("Label1")) << '\n';
       return std::nullopt;
     }
-    if (!StandInForMissingPicture(i)) return std::nullopt;
+    if (!PictureRead(i)) return std::nullopt;
     window_.View.Zoom = 1.0;
     window_.LayOutPicAna();
     const ControlState& bounds = window_.Controls().Get("PicAna");
@@ -392,32 +391,14 @@ class MapPainter {
     return png;
   }
 
-  // A picture that can't be read leaves an empty box of 100 x 100 pixels:
-  // the map is then painted on a white picture of the size the result gives,
-  // with a warning. A result that doesn't give its size is refused, since the
-  // map would stand at a made-up scale.
-  bool StandInForMissingPicture(int32_t i) {
-    AnalysisPicture& picture = request_.onFinal ? window_.PicAnaTemp2 : window_.PicAnaTemp;
+  // A map stands on its picture, which gives it its size and scale: without
+  // the picture no map is made.
+  bool PictureRead(int32_t i) {
+    const AnalysisPicture& picture = request_.onFinal ? window_.PicAnaTemp2 : window_.PicAnaTemp;
     if (!picture.Pixels.Empty()) return true;
     const std::string& path = request_.onFinal ? s_.PicDefPath : s_.PicRefPath;
-    const std::string& result = s_.DataFilePath[At(i)];
-    const bool sized = ReadKeyText("PICTURES", "Lima", result) != kNotFound &&
-                       ReadKeyText("PICTURES", "Hima", result) != kNotFound && s_.Lima > 0 && s_.Hima > 0;
-    if (!sized) {
-      Fail("The picture " + path + " can't be read, and " + result + " doesn't give its size");
-      return false;
-    }
-    if (int64_t{s_.Lima} * s_.Hima > kMaxMapPixels) {
-      Fail("The map of " + std::to_string(s_.Lima) + " x " + std::to_string(s_.Hima) +
-           " pixels is too large to paint");
-      return false;
-    }
-    err_ << "tessiva-cli: warning: the picture " << path << " can't be read; the map of " << result
-         << " is painted on a blank picture of " << s_.Lima << " x " << s_.Hima << " pixels\n";
-    picture.Pixels.Allocate(s_.Lima, s_.Hima);
-    for (int32_t y = 0; y <= s_.Hima; ++y) std::fill_n(picture.Pixels.Row(y), s_.Lima + 1, 255);
-    for (int32_t level = 0; level < 256; ++level) picture.Palette[At(level)] = static_cast<Colour>(level) * 0x010101u;
-    return true;
+    Fail("The picture " + path + " can't be read, so no map of " + s_.DataFilePath[At(i)] + " is made");
+    return false;
   }
 
   const MapRequest& request_;
