@@ -8,6 +8,7 @@
 #include <QHideEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QRadioButton>
@@ -19,7 +20,9 @@
 #include <functional>
 #include <initializer_list>
 
+#include "analysetoolbar.h"
 #include "qimagecanvas.h"
+#include "rubberoverlay.h"
 
 namespace tessiva {
 
@@ -121,24 +124,6 @@ QCheckBox* Check(const NamedCaption& check, QWidget* parent) {
   return box;
 }
 
-// Replaces a list's entries by the registry's when they differ, then shows
-// its choice: the typed text of an editable list, the chosen entry of another.
-void MirrorList(QComboBox* list, const ControlState& state) {
-  const QSignalBlocker quiet(list);
-  QStringList items;
-  for (const std::string& item : state.items) items << ToQt(item);
-  QStringList shown;
-  for (int i = 0; i < list->count(); ++i) shown << list->itemText(i);
-  if (items != shown) {
-    list->clear();
-    list->addItems(items);
-  }
-  if (list->isEditable())
-    list->setEditText(ToQt(state.text));
-  else if (list->currentIndex() != state.listIndex)
-    list->setCurrentIndex(state.listIndex);
-}
-
 // Options whose change is shown by painting the map again.
 bool RepaintsTheMap(const std::string& name) {
   for (const char* option : {"Interpolation", "PictureShow", "ShowIsoCheck", "Bad", "ShowReference", "Deborde",
@@ -156,9 +141,12 @@ AnalyseWindow::AnalyseWindow(NewAnalyse& controller, QWidget* parent) : QFrame(p
   setAutoFillBackground(true);
   // The window's controls belong to the controller's registry, not the frame's.
   MarkOwnBinding(this);
-  auto* layout = new QHBoxLayout(this);
-  layout->addWidget(BuildMap(), 1);
-  layout->addWidget(BuildSide());
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(new AnalyseToolbar(controller_, this));
+  auto* panes = new QHBoxLayout;
+  panes->addWidget(BuildMap(), 1);
+  panes->addWidget(BuildSide());
+  layout->addLayout(panes, 1);
 
   timer1_.setSingleShot(true);
   timer1_.setInterval(0);
@@ -211,13 +199,10 @@ QWidget* AnalyseWindow::BuildMap() {
   map_ = new CanvasView(area);
   map_->setObjectName(QStringLiteral("PicAna"));
   map_->setMouseTracking(true);
-  map_->onMouse = [this](QMouseEvent* event) {
-    if (event->type() != QEvent::MouseMove) return;
-    const QImageCanvas& canvas = *map_->Surface();
-    controller_.OnPicAnaMouseMove(canvas.ToUserX(event->position().x()), canvas.ToUserY(event->position().y()));
-  };
+  map_->onMouse = [this](QMouseEvent* event) { OnMapMouse(event); };
   referenceBox_ = new Outline(map_);
   Overlay(referenceBox_, "ReferenceBox");
+  new RubberOverlay(controller_, map_);
 
   scroll_ = new QScrollArea(area);
   scroll_->setAlignment(Qt::AlignCenter);
@@ -349,6 +334,40 @@ QLayout* AnalyseWindow::BuildOptions() {
                    {"Auto adjust Min-Max", "For each configuration,Optimal Min and Max values would be searched"}},
                   this));
   return layout;
+}
+
+// The pointer on the map goes on in picture pixels; the controller rounds them.
+void AnalyseWindow::OnMapMouse(QMouseEvent* event) {
+  const QImageCanvas& canvas = *map_->Surface();
+  const double x = canvas.ToUserX(event->position().x());
+  const double y = canvas.ToUserY(event->position().y());
+  const int shift = ShiftCode(event->modifiers());
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+      controller_.OnPicAnaMouseDown(ButtonCode(event->button()), shift, x, y);
+      break;
+    case QEvent::MouseMove:
+      controller_.OnPicAnaMouseMove(ButtonCode(event->buttons()), shift, x, y);
+      break;
+    case QEvent::MouseButtonRelease:
+      if (const auto menu = controller_.OnPicAnaMouseUp(ButtonCode(event->button()), shift, x, y))
+        PopUpMenu(*menu, event->globalPosition().toPoint());
+      break;
+    default:
+      break;
+  }
+}
+
+// A gauge's menu offers its actions. The window's own menus have no entry
+// yet (the exports and the keyboard input come later), so nothing shows for them.
+void AnalyseWindow::PopUpMenu(const PicAnaMenu& menu, QPoint at) {
+  if (!menu.gauge) return;
+  QMenu popup(this);
+  for (const GaugeAction action : menu.gauge->actions)
+    popup.addAction(ToQt(GaugeActionText(action)))->setData(static_cast<int>(action));
+  if (const QAction* chosen = popup.exec(at))
+    controller_.PickingTools().OnGaugeMenu(menu.gauge->index, static_cast<GaugeAction>(chosen->data().toInt()));
 }
 
 void AnalyseWindow::OnClicked(const std::string& name) {

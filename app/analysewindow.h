@@ -15,6 +15,7 @@
 class QComboBox;
 class QGroupBox;
 class QLayout;
+class QMouseEvent;
 class QScrollArea;
 class QWidget;
 
@@ -40,6 +41,8 @@ class AnalyseWindow : public QFrame {
   QWidget* BuildSide();
   QWidget* BuildScale();
   QLayout* BuildOptions();
+  void OnMapMouse(QMouseEvent* event);
+  void PopUpMenu(const PicAnaMenu& menu, QPoint at);
   void OnClicked(const std::string& name);
   // Mirrors what RegistryBinding leaves to the view: bounds, list items and
   // the list's choice, the caption of the bar's frame, and Timer1.

@@ -1,6 +1,7 @@
 #include "registrybinding.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -52,6 +53,32 @@ int ButtonCode(Qt::MouseButtons buttons) {
   if (buttons & Qt::RightButton) code |= kRightButton;
   if (buttons & Qt::MiddleButton) code |= kMiddleButton;
   return code;
+}
+
+int ShiftCode(Qt::KeyboardModifiers modifiers) {
+  int code = 0;
+  if (modifiers & Qt::ShiftModifier) code |= kShiftKey;
+  if (modifiers & Qt::ControlModifier) code |= kCtrlKey;
+  if (modifiers & Qt::AltModifier) code |= kAltKey;
+  return code;
+}
+
+void MirrorList(QComboBox* list, const ControlState& state) {
+  const QSignalBlocker quiet(list);
+  QStringList items;
+  for (const std::string& item : state.items) items << ToQt(item);
+  QStringList shown;
+  for (int i = 0; i < list->count(); ++i) shown << list->itemText(i);
+  if (items != shown) {
+    list->clear();
+    list->addItems(items);
+  }
+  // Setting an equal text would still move the cursor of the text being typed.
+  if (list->isEditable()) {
+    if (list->currentText() != ToQt(state.text)) list->setEditText(ToQt(state.text));
+  } else if (list->currentIndex() != state.listIndex) {
+    list->setCurrentIndex(state.listIndex);
+  }
 }
 
 std::optional<int> ControlIndex(std::string_view name, std::string_view base) {

@@ -13,6 +13,8 @@
 
 #include "ui/controls.h"
 
+class QComboBox;
+
 namespace tessiva {
 
 // The core's texts and paths are UTF-8.
@@ -23,8 +25,14 @@ std::string FromQt(const QString& text);
 // nothing when the name isn't `base` with an index.
 std::optional<int> ControlIndex(std::string_view name, std::string_view base);
 
-// Mouse buttons as the controllers count them (ui/pointer.h).
+// Mouse buttons and modifier keys as the controllers count them (ui/pointer.h).
 int ButtonCode(Qt::MouseButtons buttons);
+int ShiftCode(Qt::KeyboardModifiers modifiers);
+
+// Replaces a list's entries by the registry's when they differ, then shows
+// its choice: the typed text of an editable list, the chosen entry of another.
+// The list's signals are blocked meanwhile.
+void MirrorList(QComboBox* list, const ControlState& state);
 
 // Registry to widgets: a field (text or caption, enabled, visible, checked,
 // colour, tab) is applied when its value in the registry changes. A registry

@@ -199,7 +199,11 @@ bool Picking::LoadSelection(const std::string& name) {
   return true;
 }
 
-void Picking::InitAOS() { tessiva::InitAOS(w_.State(), w_.Controls(), AreaNames); }
+// SaveAOS waits for a name to be typed.
+void Picking::InitAOS() {
+  tessiva::InitAOS(w_.State(), w_.Controls(), AreaNames);
+  w_.Controls().SetEnabled(ToolbarButton(kSaveAOSButton), false);
+}
 
 void Picking::OnCombo1Change(const std::string& text) {
   w_.Controls().SetText("Combo1", text);
