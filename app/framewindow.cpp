@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "analysewindow.h"
+#include "collectorwindow.h"
 #include "managejobswindow.h"
 #include "miseendonnewindow.h"
 #include "paramwindow.h"
@@ -62,6 +63,7 @@ FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param&
   BuildStatusArea();
   // The parameters float over the frame, beside the tool that opens them.
   new ParamWindow(param, this);
+  new CollectorWindow(analyse, this);
   // The pointer over the bare client area, not over a window in it, reaches mouseMoveEvent.
   for (QWidget* w : {static_cast<QWidget*>(this), central, client_}) w->setMouseTracking(true);
 

@@ -117,6 +117,7 @@ FileDialogResult QtUi::SaveFileDialog(const FileDialogRequest& request) {
   return RunFileDialog(request, QFileDialog::AcceptSave);
 }
 
+// The text goes as it is: tables keep their CR LF line ends for spreadsheets.
 void QtUi::SetClipboardText(const std::string& text) { QGuiApplication::clipboard()->setText(ToQt(text)); }
 
 void QtUi::SetClipboardPicture(const RgbImage& picture) {
@@ -131,6 +132,8 @@ void QtUi::SetClipboardPicture(const RgbImage& picture) {
   }
   QGuiApplication::clipboard()->setImage(image);
 }
+
+void QtUi::Beep() { QApplication::beep(); }
 
 bool QtUi::StartProcess(const std::string& program, const std::vector<std::string>& arguments) {
   QStringList args;

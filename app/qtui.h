@@ -36,6 +36,7 @@ class QtUi : public UiPort {
   FileDialogResult SaveFileDialog(const FileDialogRequest& request) override;
   void SetClipboardText(const std::string& text) override;
   void SetClipboardPicture(const RgbImage& picture) override;
+  void Beep() override;
   bool StartProcess(const std::string& program, const std::vector<std::string>& arguments) override;
   // Nested calls are counted: the pointer comes back with the last one.
   void SetBusy(bool busy) override;

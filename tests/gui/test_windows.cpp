@@ -4,16 +4,19 @@
 // starts, and the input data tool.
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeWidget>
 
 #include "results/palette.h"
@@ -55,6 +58,28 @@ void WhenFileDialogShown(const QString& path) {
   });
 }
 
+// A 120 x 80 mid-grey picture with patterns every 8 pixels from (24, 16) to
+// (104, 64), displaced by u = 0.01 x, v = 0, opened with Analyse. At the
+// view's zoom of 0.8 the map is 96 x 64 pixels, 1.25 picture pixels each.
+QWidget* AnalyseLinearField(const QTemporaryDir& dir, Workbench& workbench) {
+  namespace t = tessiva::testing;
+  WriteIni(dir, kIni);
+  for (const char* name : {"ref.bmp", "def.bmp"})
+    if (!tessiva::SaveGreyBmp(dir.filePath(QLatin1String(name)).toStdString(), 120, 80,
+                              std::vector<uint8_t>(120 * 80, 128)))
+      return nullptr;
+  t::ResultHead head;
+  head.lima = 120;
+  head.hima = 80;
+  const auto field = [](double x, double) { return t::Displacement{0.01 * x, 0.0}; };
+  const QString result = dir.filePath(QStringLiteral("linear.res"));
+  t::WriteResultFile(result.toStdString(), head, t::GridPatterns(field, 24, 16, 11, 7, 8, 8));
+  if (!workbench.Start(dir.path())) return nullptr;
+  WhenFileDialogShown(result);
+  QTest::mouseClick(workbench.Window().findChild<QPushButton*>(QStringLiteral("Command1(2)")), Qt::LeftButton);
+  return workbench.Window().findChild<QWidget*>(QStringLiteral("NewAnalyse"));
+}
+
 }  // namespace
 
 class WindowFlows : public QObject {
@@ -63,6 +88,7 @@ class WindowFlows : public QObject {
  private Q_SLOTS:
   void cancelledAnalyseLeavesTheFrameEmpty();
   void analyseMapsTheResultAndSwitchesField();
+  void pickedPointAndLineFillTheCollectorUntilItCloses();
   void startWithoutSolverPathTellsAndFails();
   void enteredPatternSizesComeBackClamped();
   void queuedJobStartsTheSolverOnItsDirectory();
@@ -91,29 +117,11 @@ void WindowFlows::cancelledAnalyseLeavesTheFrameEmpty() {
     QVERIFY2(!frame.findChild<QWidget*>(QLatin1String(tool))->isVisible(), tool);
 }
 
-// A 120 x 80 mid-grey picture with patterns every 8 pixels from (24, 16) to
-// (104, 64), displaced by u = 0.01 x, v = 0. At the view's zoom of 0.8 the map
-// is 96 x 64 pixels, 1.25 picture pixels each.
 void WindowFlows::analyseMapsTheResultAndSwitchesField() {
-  namespace t = tessiva::testing;
   QTemporaryDir dir;
-  WriteIni(dir, kIni);
-  for (const char* name : {"ref.bmp", "def.bmp"})
-    QVERIFY(tessiva::SaveGreyBmp(dir.filePath(QLatin1String(name)).toStdString(), 120, 80,
-                                 std::vector<uint8_t>(120 * 80, 128)));
-  t::ResultHead head;
-  head.lima = 120;
-  head.hima = 80;
-  const auto field = [](double x, double) { return t::Displacement{0.01 * x, 0.0}; };
-  const QString result = dir.filePath(QStringLiteral("linear.res"));
-  t::WriteResultFile(result.toStdString(), head, t::GridPatterns(field, 24, 16, 11, 7, 8, 8));
-
   Workbench workbench;
-  QVERIFY(workbench.Start(dir.path()));
-  WhenFileDialogShown(result);
-  QTest::mouseClick(workbench.Window().findChild<QPushButton*>(QStringLiteral("Command1(2)")), Qt::LeftButton);
-  auto* window = workbench.Window().findChild<QWidget*>(QStringLiteral("NewAnalyse"));
-  QVERIFY(window->isVisible());
+  QWidget* window = AnalyseLinearField(dir, workbench);
+  QVERIFY(window && window->isVisible());
   QTRY_VERIFY(!workbench.Analyse().Controls().Checked("Timer1"));
   QCOMPARE(workbench.State().NbPat, 11 * 7);
 
@@ -162,6 +170,83 @@ void WindowFlows::analyseMapsTheResultAndSwitchesField() {
   auto* box = window->findChild<QWidget*>(QStringLiteral("ReferenceBox"));
   QVERIFY(box->isVisible());
   QCOMPARE(box->geometry(), QRect(16, 10, 70, 45));
+}
+
+// The tab separated numbers of a collector row from field `first` on.
+QList<double> RowNumbers(const QString& row, int first) {
+  QList<double> numbers;
+  const QStringList fields = row.split(QLatin1Char('\t'));
+  for (int i = first; i < fields.size(); ++i) numbers << fields[i].toDouble();
+  return numbers;
+}
+
+// On the field u = 0.01 x: a point, then a line, picked on the map, write
+// their rows into the collector window; closing it ends the picking.
+void WindowFlows::pickedPointAndLineFillTheCollectorUntilItCloses() {
+  QTemporaryDir dir;
+  Workbench workbench;
+  QWidget* window = AnalyseLinearField(dir, workbench);
+  QVERIFY(window);
+  QTRY_VERIFY(!workbench.Analyse().Controls().Checked("Timer1"));
+  auto* map = window->findChild<QWidget*>(QStringLiteral("PicAna"));
+  auto* collector = workbench.Window().findChild<QWidget*>(QStringLiteral("Info"));
+  auto* text = collector->findChild<QPlainTextEdit*>(QStringLiteral("DataText"));
+  const auto toolButton = [window](int index) {
+    return window->findChild<QToolButton*>(QStringLiteral("Toolbar1.Button%1").arg(index));
+  };
+  const auto rows = [text] { return text->toPlainText().split(QLatin1Char('\n'), Qt::SkipEmptyParts); };
+  QVERIFY(!collector->isVisible());
+  QVERIFY(!toolButton(12)->isEnabled());  // SaveAOS waits for a name
+
+  QTest::mouseClick(toolButton(4), Qt::LeftButton);
+  QVERIFY(toolButton(4)->isChecked());
+  QVERIFY(collector->isVisible());
+  QCOMPARE(collector->windowTitle(), QStringLiteral("Data collector"));
+  QCOMPARE(collector->size(), QSize(850, 300));
+  QVERIFY(collector->windowFlags().testFlags(Qt::Tool | Qt::WindowStaysOnTopHint));
+  // Map pixel (40, 32) is picture pixel (50, 40): u = 0.5, v = 0, norm 0.5.
+  QTest::mouseClick(map, Qt::LeftButton, {}, QPoint(40, 32));
+  QStringList lines = rows();
+  QCOMPARE(lines.size(), 3);
+  QVERIFY2(lines[2].startsWith(QStringLiteral("linear.res\t\t")), qPrintable(lines[2]));
+  QCOMPARE(RowNumbers(lines[2], 2), QList<double>({50, 40, 0.5, 0, 0.5}));
+
+  // A drag from picture (37.5, 50), rounded to (38, 50), to (100, 50):
+  // 62 pixels sampled every third of the grid step of 8, 24 samples.
+  QTest::mouseClick(toolButton(5), Qt::LeftButton);
+  QVERIFY(toolButton(5)->isChecked() && !toolButton(4)->isChecked());
+  QTest::mousePress(map, Qt::LeftButton, {}, QPoint(30, 40));
+  QTest::mouseMove(map, QPoint(80, 40));
+  const tessiva::ControlState& rubber = workbench.Analyse().Controls().Get("Line1");
+  QVERIFY(rubber.visible);
+  QCOMPARE(QRect(rubber.left, rubber.top, rubber.width, rubber.height), QRect(38, 50, 62, 0));
+  QTest::mouseRelease(map, Qt::LeftButton, {}, QPoint(80, 40));
+  QVERIFY(!workbench.Analyse().Controls().Visible("Line1"));
+  lines = rows();
+  QCOMPARE(lines.size(), 2 + 24);
+  // Rows carry five significant digits.
+  const auto near = [](double actual, double expected) { return qAbs(actual - expected) <= 1e-4 * qAbs(expected); };
+  for (int k = 0; k < 24; ++k) {
+    const QList<double> sample = RowNumbers(lines[2 + k], 1);  // Ds, X, Y, Displ.1, Displ.2, Norm
+    const double x = 38 + k * 8.0 / 3;
+    QVERIFY2(near(sample[0], k * 8.0 / 3) && near(sample[1], x) && sample[2] == 50 && near(sample[3], 0.01 * x),
+             qPrintable(lines[2 + k]));
+  }
+
+  // The clipboard takes the table with its CR LF line ends; the collector keeps its head.
+  const QString table = QString::fromStdString(workbench.Analyse().Info.DataText());
+  QTest::mouseClick(collector->findChild<QPushButton*>(QStringLiteral("Command1(0)")), Qt::LeftButton);
+  QCOMPARE(QGuiApplication::clipboard()->text(), table);
+  QVERIFY(table.endsWith(QStringLiteral("\r\n")) && table.count(QStringLiteral("\r\n")) == 2 + 24);
+  QCOMPARE(rows().size(), 2);
+
+  QVERIFY(collector->close());
+  QVERIFY(!collector->isVisible());
+  for (int i = 3; i <= 9; ++i) QVERIFY(!toolButton(i)->isChecked());
+  // With no tool armed the pointer shows the value under it again.
+  QTest::mouseMove(map, QPoint(48, 32));
+  QCOMPARE(QString::fromStdString(workbench.FrameControls().Text("Label2")),
+           QStringLiteral(" X=60.000 Y=40.000  1 displacement=0.600E+0"));
 }
 
 void WindowFlows::startWithoutSolverPathTellsAndFails() {
