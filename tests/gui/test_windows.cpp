@@ -240,6 +240,19 @@ void WindowFlows::pickedPointAndLineFillTheCollectorUntilItCloses() {
   QVERIFY(table.endsWith(QStringLiteral("\r\n")) && table.count(QStringLiteral("\r\n")) == 2 + 24);
   QCOMPARE(rows().size(), 2);
 
+  // The line stored under a typed name replays when the name is chosen.
+  auto* names = window->findChild<QComboBox*>(QStringLiteral("Combo1"));
+  QTest::keyClicks(names->lineEdit(), QStringLiteral("profile"));
+  QVERIFY(toolButton(12)->isEnabled());
+  QTest::keyClick(names->lineEdit(), Qt::Key_Return);
+  QVERIFY(!toolButton(12)->isEnabled());
+  QCOMPARE(names->count(), 1);
+  QCOMPARE(rows().size(), 2);
+  names->showPopup();
+  names->view()->setCurrentIndex(names->model()->index(0, 0));
+  QTest::keyClick(names->view(), Qt::Key_Return);
+  QCOMPARE(rows().size(), 2 + 24);
+
   QVERIFY(collector->close());
   QVERIFY(!collector->isVisible());
   for (int i = 3; i <= 9; ++i) QVERIFY(!toolButton(i)->isChecked());
