@@ -2,6 +2,7 @@
 
 #include "exportcommand.h"
 #include "mapcommand.h"
+#include "pickcommand.h"
 #include "setupcommand.h"
 #include "state/numtext.h"
 #include "synthcommand.h"
@@ -17,6 +18,7 @@ constexpr const char* kUsage =
     "       tessiva-cli map RESULT.res|SEQUENCE.seq --field NAME --png OUT [--smooth N] [--on-final]\n"
     "                       [--magnification M] [--palette 0|1|2] [--show-bad]\n"
     "       tessiva-cli map --list-fields\n"
+    "       tessiva-cli pick RESULT.res|SEQUENCE.seq --tool TOOL --at X1,Y1[,X2,Y2] --field NAME [--csv]\n"
     "       tessiva-cli --help\n"
     "\n"
     "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp with a known displacement\n"
@@ -56,6 +58,20 @@ constexpr const char* kUsage =
     "  --show-bad           \"Show Bad Pattern\": patterns that aren't good are painted\n"
     "  --list-fields        prints the names of the fields, one a line\n"
     "\n"
+    "pick    uses a picking tool of the analysis window on a result, or on each member of a\n"
+    "        sequence in turn, and prints the table the data collector makes of it: tab\n"
+    "        separated with CR LF line ends as the window gives it, or CSV. The selection is\n"
+    "        made on the first member, then replayed on each following one: a point and a\n"
+    "        gauge add one row per member, a line and a rectangle give one table per member.\n"
+    "  --tool TOOL          point, line, rectangle (a table over the box), slider,\n"
+    "                       gauge (a linear strain gage) or rosette\n"
+    "  --at X1,Y1[,X2,Y2]   picture pixels, as the pointer gives them: the point, or where\n"
+    "                       the drag starts and ends (a rosette is the square of the larger\n"
+    "                       side to the lower right of the start)\n"
+    "  --field NAME         the field, as map --list-fields names it, case ignored\n"
+    "  --csv                comma separated, a header naming each column with its unit, LF\n"
+    "                       line ends; a rectangle gives one row a cell: file, X, Y, value\n"
+    "\n"
     "The forming-limit curve comes from correl.ini in the current directory, when there is one.\n";
 
 }  // namespace
@@ -78,6 +94,8 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     if (const auto request = ParseExport(rest, problem)) return RunExport(*request, err);
   } else if (command == "map") {
     if (const auto request = ParseMap(rest, problem)) return RunMap(*request, out, err);
+  } else if (command == "pick") {
+    if (const auto request = ParsePick(rest, problem)) return RunPick(*request, out, err);
   } else if (command == "synth") {
     if (const auto request = ParseSynth(rest, problem)) return RunSynth(*request, out, err);
   } else if (command == "setup") {

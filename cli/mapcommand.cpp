@@ -87,13 +87,7 @@ std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::st
   if (request.input.empty()) return refuse("map needs a result or sequence file");
   if (!field) return refuse("give the field to paint with --field NAME");
   const auto index = FieldIndexOfName(*field);
-  if (!index) {
-    std::string names = FieldNames();
-    names.pop_back();
-    for (size_t at = names.find('\n'); at != std::string::npos; at = names.find('\n', at + 1))
-      names.replace(at, 1, "\n  ");
-    return refuse("unknown field " + *field + "; the fields are:\n  " + names);
-  }
+  if (!index) return refuse(UnknownFieldComplaint(*field));
   request.field = *index;
   if (!png) return refuse("give the picture to write with --png OUT");
   request.output = *png;
@@ -111,6 +105,14 @@ std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::st
   if (request.magnification && !(ValNorm(*request.magnification) > 0.0))
     return refuse("--magnification needs a positive number");
   return request;
+}
+
+std::string UnknownFieldComplaint(const std::string& name) {
+  std::string names = FieldNames();
+  names.pop_back();
+  for (size_t at = names.find('\n'); at != std::string::npos; at = names.find('\n', at + 1))
+    names.replace(at, 1, "\n  ");
+  return "unknown field " + name + "; the fields are:\n  " + names;
 }
 
 std::string MemberPictureName(const std::string& resultName, const std::string& fieldText) {

@@ -38,6 +38,9 @@ inline constexpr int32_t kMaxSmooth = 10;
 // they are wrong. An unknown field's complaint lists the field names.
 std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::string& problem);
 
+// The complaint about a field name that isn't in the list, listing the names.
+std::string UnknownFieldComplaint(const std::string& name);
+
 // The picture of a sequence member: its result's name less the extension,
 // "-", and the field's list text with every run of characters other than
 // ASCII letters, digits, '.', '-' and '_' made one '_' ("r1.res" and
