@@ -28,6 +28,7 @@
 #include <QPainter>
 
 #include "qimagecanvas.h"
+#include "scratchdir.h"
 #endif
 
 namespace tessiva::cli {
@@ -299,6 +300,10 @@ class MapPainter {
 
   int Run(std::ostream& out) {
     if (!GuiReady()) return Fail("tessiva-cli: Qt's offscreen painting could not be started");
+    // Choosing the field drops the picking's working copy in StartDir, which
+    // is therefore a directory of the command's own and not the user's.
+    if (scratch_.Path().empty()) return Fail("tessiva-cli: no temporary directory could be made");
+    s_.StartDir = scratch_.Path();
     s_.IniPath = JoinPath(std::filesystem::current_path(ignored_).string(), "correl.ini");
     s_.LastDir = std::filesystem::absolute(request_.input, ignored_).parent_path().string();
     s_.FileName = request_.input;
@@ -406,6 +411,7 @@ class MapPainter {
   const MapRequest& request_;
   std::ostream& err_;
   std::error_code ignored_;
+  ScratchDir scratch_;
   AppState s_;
   ControlRegistry frame_;
   ScriptedUi ui_{frame_};
