@@ -15,10 +15,8 @@
 #include "analysis/analysisfiles.h"
 #include "analysis/newanalyse.h"
 #include "formats/seqfile.h"
-#include "setup/param.h"
 #include "state/files.h"
 #include "state/index.h"
-#include "ui/scriptedui.h"
 #include <QBuffer>
 #include <QByteArray>
 #include <QFont>
@@ -28,7 +26,7 @@
 #include <QPainter>
 
 #include "qimagecanvas.h"
-#include "scratchdir.h"
+#include "headlessanalysis.h"
 #endif
 
 namespace tessiva::cli {
@@ -300,17 +298,10 @@ class MapPainter {
 
   int Run(std::ostream& out) {
     if (!GuiReady()) return Fail("tessiva-cli: Qt's offscreen painting could not be started");
-    // Choosing the field drops the picking's working copy in StartDir, which
-    // is therefore a directory of the command's own and not the user's.
-    if (scratch_.Path().empty()) return Fail("tessiva-cli: no temporary directory could be made");
-    s_.StartDir = scratch_.Path();
-    s_.IniPath = JoinPath(std::filesystem::current_path(ignored_).string(), "correl.ini");
-    s_.LastDir = std::filesystem::absolute(request_.input, ignored_).parent_path().string();
-    s_.FileName = request_.input;
-    s_.FileTitle = FileNameOf(request_.input);
-    window_.Load();
-    if (s_.NbSeq < 1)
-      return Fail("The sequence " + request_.input + (FileExists(request_.input) ? " names no result file" : " can't be read"));
+    // The palette and the window's options come from the correl.ini of the current directory.
+    std::error_code ignored;
+    if (!h_.Open(request_.input, JoinPath(std::filesystem::current_path(ignored).string(), "correl.ini"), err_))
+      return kFailed;
     SetOptions();
     const bool sequence = IsSequenceFile(request_.input);
     std::vector<std::string> names(static_cast<size_t>(s_.NbSeq) + 1);
@@ -355,14 +346,7 @@ class MapPainter {
     // A member whose picture is missing must not be painted on the picture of the member before.
     window_.PicAnaTemp = {};
     window_.PicAnaTemp2 = {};
-    const size_t shown = ui_.Messages().size();
-    window_.CurFile = i;
-    if (!LecRes(window_, i, i > 1)) {
-      const std::vector<std::string> messages = ui_.Messages();
-      for (size_t m = shown; m < messages.size(); ++m) err_ << messages[m] << '\n';
-      if (messages.size() == shown) err_ << Trim(frame_.Text("Label1")) << '\n';
-      return std::nullopt;
-    }
+    if (!h_.ReadMember(i, err_)) return std::nullopt;
     if (!PictureRead(i)) return std::nullopt;
     window_.View.Zoom = 1.0;
     window_.LayOutPicAna();
@@ -382,15 +366,10 @@ class MapPainter {
     }
     window_.PicAna = &map;
     window_.IsoPic = &bar;
-    window_.OnCombo2Click(request_.field);
+    const bool chosen = h_.ChooseField(request_.field, err_);
     window_.PicAna = nullptr;
     window_.IsoPic = nullptr;
-    // The field list refuses an entry the result has no data for, with a message.
-    if (window_.Controls().Get("Combo2").listIndex != request_.field) {
-      const std::vector<std::string> messages = ui_.Messages();
-      for (size_t m = shown; m < messages.size(); ++m) err_ << messages[m] << '\n';
-      return std::nullopt;
-    }
+    if (!chosen) return std::nullopt;
     if (window_.Ranges.MaxU == NewAnalyse::kNoData || window_.Ranges.MaxV == NewAnalyse::kNoData)
       err_ << "tessiva-cli: warning: " << s_.DataFilePath[At(i)] << " holds no valid pattern; its map shows the picture alone\n";
     const auto png = PngBytes(Compose(map.Image(), bar.Image(), window_.Controls()));
@@ -410,13 +389,9 @@ class MapPainter {
 
   const MapRequest& request_;
   std::ostream& err_;
-  std::error_code ignored_;
-  ScratchDir scratch_;
-  AppState s_;
-  ControlRegistry frame_;
-  ScriptedUi ui_{frame_};
-  Param param_{s_};
-  NewAnalyse window_{s_, ui_, param_};
+  HeadlessAnalysis h_;
+  AppState& s_ = h_.s;
+  NewAnalyse& window_ = h_.window;
 };
 
 }  // namespace

@@ -15,13 +15,11 @@
 #include "mapcommand.h"
 #include "results/fieldmap.h"
 #include "results/ranges.h"
-#include "scratchdir.h"
-#include "setup/param.h"
+#include "headlessanalysis.h"
 #include "state/files.h"
 #include "state/index.h"
 #include "state/numtext.h"
 #include "ui/pointer.h"
-#include "ui/scriptedui.h"
 
 namespace tessiva::cli {
 namespace {
@@ -100,21 +98,11 @@ class Picker {
   Picker(const PickRequest& request, std::ostream& err) : request_(request), err_(err) {}
 
   int Run(std::ostream& out) {
-    if (scratch_.Path().empty()) return Fail("tessiva-cli: no temporary directory could be made for the picking");
-    std::error_code ignored;
     // The working copy of the selection and the names list go to the scratch directory.
-    s_.StartDir = scratch_.Path();
-    s_.IniPath = JoinPath(scratch_.Path(), "correl.ini");
-    s_.LastDir = std::filesystem::absolute(request_.input, ignored).parent_path().string();
-    s_.FileName = request_.input;
-    s_.FileTitle = FileNameOf(request_.input);
-    window_.Load();
-    if (s_.NbSeq < 1)
-      return Fail("The sequence " + request_.input +
-                  (FileExists(request_.input) ? " names no result file" : " can't be read"));
+    if (!h_.Open(request_.input, "", err_)) return kFailed;
     if (!Read(1)) return kFailed;
     window_.OnCombo2Click(request_.field);
-    if (window_.Controls().Get("Combo2").listIndex != request_.field) return FailWithMessages();
+    if (!h_.ChooseField(request_.field, err_)) return kFailed;
     for (size_t i = 0; i + 1 < request_.at.size(); i += 2)
       if (!OnPicture(request_.at[i], request_.at[i + 1])) return kFailed;
     extrasCount_ = window_.Controls().Get("Combo3").items.size();
@@ -150,22 +138,11 @@ class Picker {
     return kFailed;
   }
 
-  int FailWithMessages() {
-    const std::vector<std::string> messages = ui_.Messages();
-    for (size_t m = shown_; m < messages.size(); ++m) err_ << messages[m] << '\n';
-    if (messages.size() == shown_) err_ << Trim(frame_.Text("Label1")) << '\n';
-    return kFailed;
-  }
-
   std::string Member(int32_t i) const { return s_.DataFileName[At(i)]; }
 
   bool Read(int32_t i) {
-    shown_ = ui_.Messages().size();
-    window_.CurFile = i;
-    ui_.clipboardText.clear();
-    if (LecRes(window_, i, i > 1)) return true;
-    FailWithMessages();
-    return false;
+    h_.ui.clipboardText.clear();
+    return h_.ReadMember(i, err_);
   }
 
   // The pointer ignores positions off the picture; here they are refused.
@@ -263,7 +240,7 @@ class Picker {
   void Keep(int32_t i) {
     collected_ = window_.Info.DataText().size();
     if (IsTool("trait")) tables_.push_back(window_.Info.DataText());
-    if (IsTool("rectangle")) tables_.push_back(ui_.clipboardText);
+    if (IsTool("rectangle")) tables_.push_back(h_.ui.clipboardText);
     members_.push_back(Member(i));
   }
 
@@ -333,13 +310,9 @@ class Picker {
 
   const PickRequest& request_;
   std::ostream& err_;
-  ScratchDir scratch_;
-  AppState s_;
-  ControlRegistry frame_;
-  ScriptedUi ui_{frame_};
-  Param param_{s_};
-  NewAnalyse window_{s_, ui_, param_};
-  size_t shown_ = 0;
+  HeadlessAnalysis h_;
+  AppState& s_ = h_.s;
+  NewAnalyse& window_ = h_.window;
   size_t extrasCount_ = 0;
   size_t collected_ = 0;
   // The file name of each member, and for a line or a rectangle its table.
