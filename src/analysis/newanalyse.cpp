@@ -53,8 +53,14 @@ void NewAnalyse::OnInfoClose() { picking_.CloseInfo(); }
 bool NewAnalyse::OnToolbar1Click(const std::string& key) {
   if (picking_.OnToolbarKey(key)) return true;
   if (key != "CLF") return false;
-  ArmSectionTool();
+  ArmSectionTool(s_.FissureOn ? SectionKind::Crack : picking_.SectionTool);
   return true;
+}
+
+void NewAnalyse::ArmSectionTool(SectionKind kind) { picking_.ArmSection(kind); }
+
+void NewAnalyse::OnPicAnaKey(char key) {
+  if (picking_.PickTool == kPickSection && picking_.SectionTool == SectionKind::Crack) Crack.OnToolKey(key);
 }
 
 void NewAnalyse::OnPicAnaMouseDown(int button, int shift, double x, double y) {
@@ -194,8 +200,6 @@ void NewAnalyse::CalculKI() {}
 // Filled in with the stress intensity analysis.
 void NewAnalyse::AfficheKI(bool) {}
 void NewAnalyse::AfficheEtTraiteAOS(bool showHead) { picking_.AfficheEtTraiteAOS(showHead); }
-// Filled in with the forming-limit and crack analyses.
-void NewAnalyse::ArmSectionTool() {}
 // Filled in with the forming-limit analysis.
 void NewAnalyse::AfficheCLF(int32_t) {}
 // PicAna takes the size of the picture at the view's zoom; its scroll view shows what fits.

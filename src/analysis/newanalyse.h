@@ -10,7 +10,9 @@
 #include <string>
 
 #include "analysis/collector.h"
+#include "analysis/formlimits.h"
 #include "analysis/picking.h"
+#include "analysis/stressintensity.h"
 #include "results/distortion.h"
 #include "results/fieldmap.h"
 #include "results/palette.h"
@@ -64,6 +66,9 @@ class NewAnalyse {
 
   // The data collector, the window all measuring tools write their tables into.
   Collector Info;
+  // The forming-limit and stress intensity analyses.
+  FormingLimits Flc{*this};
+  StressIntensity Crack{*this};
 
   // Member of the sequence on show.
   int32_t CurFile = 1;
@@ -129,8 +134,14 @@ class NewAnalyse {
   void OnPicAnaMouseMove(double x, double y);
 
   // A click on the key of a Toolbar1 button. The picking keys arm their
-  // tool, "CLF" the section tool; false for a key handled elsewhere.
+  // tool, "CLF" the section tool: in its crack mode while a crack is
+  // defined, else in the mode last chosen; false for a key handled elsewhere.
   bool OnToolbar1Click(const std::string& key);
+  // Arms the section tool in mode `kind` (the view's choice of "FLC Analysis"
+  // or "KI Analysis").
+  void ArmSectionTool(SectionKind kind);
+  // A key typed on PicAna.
+  void OnPicAnaKey(char key);
   // The pointer on the map, picture pixels, for the picking tools; `button`
   // and `shift` as in ui/pointer.h. A move with no tool armed shows the
   // value under the pointer. A right-button release gives the menu the view
@@ -198,8 +209,6 @@ class NewAnalyse {
   virtual void AfficheCLF(int32_t view);
   // Sizes and centres PicAna and Repere in their frame.
   virtual void LayOutPicAna();
-  // Arms the section tool of the forming-limit and crack analyses (key "CLF").
-  virtual void ArmSectionTool();
 
   // The settings the field values are read with.
   FieldSettings FieldSettingsNow() const;

@@ -50,6 +50,22 @@ void Picking::Arm(int32_t tool) {
   StartCollector();
 }
 
+void Picking::ArmSection(SectionKind kind) {
+  if (JaugeCtrl1.JaugeCount() > 0) JaugeCtrl1.JaugeClear();
+  w_.PicAnaRefresh();
+  Selection.NboxAOS = kAosNone;
+  PickTool = kPickSection;
+  SectionTool = kind;
+  X1Pick = Y1Pick = -1.0;
+  PressToolButton(kPickSection);
+  w_.ShowInfo();
+  if (kind == SectionKind::Crack) {
+    w_.Crack.OnToolArmed();
+  } else {
+    w_.Flc.OnToolArmed();
+  }
+}
+
 void Picking::PickEnabled() {
   for (const PickToolKey& tool : PickToolKeys()) w_.Controls().SetEnabled(ToolbarButton(tool.button), true);
 }
@@ -60,7 +76,7 @@ void Picking::PickDisabled() {
 
 void Picking::PressToolButton(int32_t tool) {
   const PickToolKey* key = PickToolOfCode(tool);
-  const int pressed = key ? key->button : 0;
+  const int pressed = tool == kPickSection ? kSectionToolButton : key ? key->button : 0;
   for (int i = kFirstToolButton; i <= kLastToolButton; ++i) w_.Controls().SetChecked(ToolbarButton(i), i == pressed);
 }
 
@@ -132,8 +148,15 @@ void Picking::MouseDown(int button, int shift, double x, double y) {
       Selection.NboxAOS = kAosNone;
       X1Pick = x, Y1Pick = y;
       break;
+    case kPickSection:
+      X1Pick = x, Y1Pick = y;
+      if (SectionTool == SectionKind::Crack) {
+        w_.Crack.OnToolPress(x, y);
+      } else {
+        w_.Flc.OnToolPress(x, y);
+      }
+      break;
     default:
-      // The section tool's presses belong to the forming-limit and crack analyses.
       break;
   }
 }
@@ -162,6 +185,9 @@ void Picking::MouseMove(int button, int, double x, double y) {
       case kPickRectangle:
         ShowShape(std::min(x, X1Pick), std::min(y, Y1Pick), std::abs(dx), std::abs(dy));
         text += " WxH: " + shortText(std::abs(dx) * s.UnitPX) + "x" + shortText(std::abs(dy) * s.UnitPY);
+        break;
+      case kPickSection:
+        text += SectionTool == SectionKind::Crack ? w_.Crack.OnToolDrag(x, y) : w_.Flc.OnToolDrag(x, y);
         break;
       default:
         break;
@@ -225,6 +251,15 @@ std::optional<PicAnaMenu> Picking::MouseUp(int button, int shift, double x, doub
         RectangleToClipboard();
       }
       SaveWorkingCopy();
+      break;
+    case kPickSection:
+      if (x1 < 0) break;
+      X2Pick = x, Y2Pick = y;
+      if (SectionTool == SectionKind::Crack) {
+        w_.Crack.OnToolRelease(x1, y1, x, y);
+      } else {
+        w_.Flc.OnToolRelease(x1, y1, x, y);
+      }
       break;
     default:
       break;

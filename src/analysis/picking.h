@@ -36,6 +36,10 @@ namespace tessiva {
 
 class NewAnalyse;
 
+// What the section tool (PickTool kPickSection, key "CLF") lays on the map:
+// the band of a forming-limit section, or a crack.
+enum class SectionKind { FormingLimit, Crack };
+
 // The registry name of button `index` of Toolbar1.
 std::string ToolbarButton(int index);
 inline constexpr int kSectionToolButton = 3;
@@ -65,6 +69,8 @@ class Picking {
   // The press point, X1Pick -1 while no press is valid, and the release point.
   double X1Pick = -1.0, Y1Pick = -1.0;
   double X2Pick = 0.0, Y2Pick = 0.0;
+  // The mode of the section tool.
+  SectionKind SectionTool = SectionKind::FormingLimit;
   // The kind of the next gauge: kGaugeLinear, kGaugeRosette or kGaugeSlider.
   int32_t JaugeType = kGaugeLinear;
   // The gauge component over the window's gauge store.
@@ -81,6 +87,9 @@ class Picking {
   // Arms `tool`: gauges are cleared and the map repainted, the selection
   // forgotten, the collector shown and started with the tool's head.
   void Arm(int32_t tool);
+  // Arms the section tool in mode `kind`: gauges cleared, the selection
+  // forgotten, the collector shown; the analysis of that mode takes it on.
+  void ArmSection(SectionKind kind);
   // Enabled on the buttons of the six tools, nothing else.
   void PickEnabled();
   void PickDisabled();
