@@ -9,7 +9,7 @@
 
 namespace tessiva::cli {
 
-enum class ExportFormat { Cfr, Unv, Inp };
+enum class ExportFormat { Cfr, Unv, Inp, Vtu, Csv };
 
 struct ExportRequest {
   std::string result;

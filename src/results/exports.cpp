@@ -1,6 +1,7 @@
 #include "results/exports.h"
 
 #include <array>
+#include <charconv>
 #include <string_view>
 #include <vector>
 
@@ -49,6 +50,7 @@ std::vector<int32_t> ValidNodes(const AppState& s) {
 struct Element {
   int32_t number = 0;
   std::array<int32_t, 4> noeud{};
+  int32_t flag = 0;  // the pattern's FlagPat
 };
 
 // Elements follow patterns, in pattern order: the good ones, or every one
@@ -60,7 +62,8 @@ std::vector<Element> Elements(const AppState& s, int32_t showBad) {
     const int32_t cell = NumMaille(s, s.XPat[i], s.YPat[i]);
     elements.push_back({cell, cell < static_cast<int32_t>(s.Mailles.size())
                                   ? s.Mailles[static_cast<size_t>(cell)].Noeud
-                                  : std::array<int32_t, 4>{}});
+                                  : std::array<int32_t, 4>{},
+                        s.FlagPat[i]});
   }
   return elements;
 }
@@ -167,6 +170,129 @@ std::string InpText(const AppState& s) {
   return out.Text();
 }
 
+// The shortest text that reads back as the same double.
+std::string Exact(double value) {
+  char text[32];
+  return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+
+// A picture's y (pointing down) as the y of a viewer's frame (pointing up), without a -0.
+double Upward(double y) { return y == 0.0 ? 0.0 : -y; }
+
+// The strain measures (percent) and angles (degrees) of a node, as the
+// viewer formats name them.
+struct NodeMeasure {
+  std::string_view name;
+  double MeshNode::*value;
+  bool angle;
+};
+constexpr std::array<NodeMeasure, 9> kNodeMeasures{{{"E11", &MeshNode::E11, false},
+                                                    {"E22", &MeshNode::E22, false},
+                                                    {"E12", &MeshNode::E12, false},
+                                                    {"H1", &MeshNode::H1, false},
+                                                    {"H2", &MeshNode::H2, false},
+                                                    {"H3", &MeshNode::H3, false},
+                                                    {"TETA", &MeshNode::Teta, true},
+                                                    {"PSI", &MeshNode::Psi, true},
+                                                    {"GAMMA", &MeshNode::Gamma, true}}};
+
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + '"';
+}
+
+std::string CsvText(const AppState& s) {
+  const auto withUnit = [](std::string_view name, const std::string& unit) {
+    return "," + CsvField(std::string(name) + " (" + unit + ")");
+  };
+  Lines out;
+  out << "Node" << withUnit("X", s.UnitNameX) << withUnit("Y", s.UnitNameY) << withUnit("U", s.UnitNameX)
+      << withUnit("V", s.UnitNameY);
+  for (const NodeMeasure& measure : kNodeMeasures) out << withUnit(measure.name, measure.angle ? "deg" : "%");
+  out.End();
+  for (const int32_t n : ValidNodes(s)) {
+    const MeshNode& node = NodeAt(s, n);
+    out << std::to_string(n) << "," << Exact(node.X * s.UnitPX) << "," << Exact(node.Y * s.UnitPY) << ","
+        << Exact(node.U * s.UnitPX) << "," << Exact(node.V * s.UnitPY);
+    for (const NodeMeasure& measure : kNodeMeasures) out << "," << Exact(node.*measure.value);
+    out.End();
+  }
+  return out.Text();
+}
+
+// An ASCII data array of a VTK file, `components` values a tuple, one tuple a line.
+template <typename Values>
+void VtkArray(Lines& out, std::string_view type, std::string_view name, int components, const Values& values) {
+  out << "        <DataArray type=\"" << type << "\"";
+  if (!name.empty()) out << " Name=\"" << name << "\"";
+  out << " NumberOfComponents=\"" << std::to_string(components) << "\" format=\"ascii\">";
+  out.End();
+  for (size_t i = 0; i < values.size(); ++i) {
+    out << (i % static_cast<size_t>(components) == 0 ? "          " : " ") << values[i];
+    if ((i + 1) % static_cast<size_t>(components) == 0) out.End();
+  }
+  out.Line("        </DataArray>");
+}
+
+// VTK's code of a four-node quadrilateral.
+constexpr std::string_view kVtkQuad = "9";
+
+std::string VtuText(const AppState& s, int32_t showBad) {
+  // Nodes are points 0..NbNoeuds-1; a node without a displacement reads 0 and "valid" 0.
+  std::vector<std::string> points, displacement, valid, u, v;
+  std::array<std::vector<std::string>, kNodeMeasures.size()> measures;
+  for (int32_t n = 1; n <= s.NbNoeuds; ++n) {
+    const MeshNode& node = NodeAt(s, n);
+    const double scale = node.Valide ? 1.0 : 0.0;
+    points.insert(points.end(), {Exact(node.X * s.UnitPX), Exact(Upward(node.Y * s.UnitPY)), "0"});
+    displacement.insert(displacement.end(),
+                        {Exact(scale * node.U * s.UnitPX), Exact(Upward(scale * node.V * s.UnitPY)), "0"});
+    u.push_back(Exact(scale * node.U * s.UnitPX));
+    v.push_back(Exact(scale * node.V * s.UnitPY));
+    valid.push_back(node.Valide ? "1" : "0");
+    for (size_t m = 0; m < kNodeMeasures.size(); ++m) measures[m].push_back(Exact(scale * (node.*kNodeMeasures[m].value)));
+  }
+  // A pattern outside the mesh has no corners and gives no cell.
+  std::vector<std::string> connectivity, offsets, types, flags;
+  for (const Element& e : Elements(s, showBad)) {
+    if (e.noeud[0] == 0) continue;
+    for (const int32_t node : e.noeud) connectivity.push_back(std::to_string(node - 1));
+    offsets.push_back(std::to_string(connectivity.size()));
+    types.emplace_back(kVtkQuad);
+    flags.push_back(std::to_string(e.flag));
+  }
+  Lines out;
+  out.Line("<?xml version=\"1.0\"?>");
+  out.Line("<VTKFile type=\"UnstructuredGrid\" version=\"0.1\" byte_order=\"LittleEndian\">");
+  out.Line("  <UnstructuredGrid>");
+  out.Line("    <Piece NumberOfPoints=\"" + std::to_string(s.NbNoeuds) + "\" NumberOfCells=\"" +
+           std::to_string(types.size()) + "\">");
+  out.Line("      <PointData Vectors=\"Displacement\">");
+  VtkArray(out, "Float64", "Displacement", 3, displacement);
+  VtkArray(out, "Float64", "U", 1, u);
+  VtkArray(out, "Float64", "V", 1, v);
+  for (size_t m = 0; m < kNodeMeasures.size(); ++m) VtkArray(out, "Float64", kNodeMeasures[m].name, 1, measures[m]);
+  VtkArray(out, "UInt8", "valid", 1, valid);
+  out.Line("      </PointData>");
+  out.Line("      <CellData Scalars=\"flag\">");
+  VtkArray(out, "Int32", "flag", 1, flags);
+  out.Line("      </CellData>");
+  out.Line("      <Points>");
+  VtkArray(out, "Float64", "", 3, points);
+  out.Line("      </Points>");
+  out.Line("      <Cells>");
+  VtkArray(out, "Int64", "connectivity", 4, connectivity);
+  VtkArray(out, "Int64", "offsets", 1, offsets);
+  VtkArray(out, "UInt8", "types", 1, types);
+  out.Line("      </Cells>");
+  out.Line("    </Piece>");
+  out.Line("  </UnstructuredGrid>");
+  out.Line("</VTKFile>");
+  return out.Text();
+}
+
 }  // namespace
 
 bool SauveCfr(const AppState& s, int32_t showBad, const std::string& file) {
@@ -178,5 +304,11 @@ bool SauveUnv(const AppState& s, int32_t showBad, const std::string& file) {
 }
 
 bool SauveInp(const AppState& s, const std::string& file) { return WriteFileAtomically(file, InpText(s)); }
+
+bool SauveVtu(const AppState& s, int32_t showBad, const std::string& file) {
+  return WriteFileAtomically(file, VtuText(s, showBad));
+}
+
+bool SauveCsv(const AppState& s, const std::string& file) { return WriteFileAtomically(file, CsvText(s)); }
 
 }  // namespace tessiva

@@ -52,8 +52,8 @@ TEST_F(Cli, WrongCommandLinesGetTheUsage) {
   const Case cases[] = {
       {{}, "no command given"},
       {{"convert", res}, "unknown command convert"},
-      {{"export", res}, "give one of --cfr, --unv and --inp with the file to write"},
-      {{"export", res, "--cfr", out, "--unv", out}, "give only one of --cfr, --unv and --inp"},
+      {{"export", res}, "give one of --cfr, --unv, --inp, --vtu and --csv with the file to write"},
+      {{"export", res, "--cfr", out, "--unv", out}, "give only one of --cfr, --unv, --inp, --vtu and --csv"},
       {{"export", res, "--unv"}, "--unv needs the name of the file to write"},
       {{"export", res, res, "--cfr", out}, "unexpected argument " + res},
       {{"synth", dir.Path(), "spiral"}, "unknown field spiral"},
@@ -69,7 +69,7 @@ TEST_F(Cli, WrongCommandLinesGetTheUsage) {
   }
   const Outcome help = RunCommand({"--help"});
   EXPECT_EQ(help.status, kDone);
-  EXPECT_NE(help.out.find("tessiva-cli export RESULT.res --cfr|--unv|--inp OUT"), std::string::npos) << help.out;
+  EXPECT_NE(help.out.find("tessiva-cli export RESULT.res --cfr|--unv|--inp|--vtu|--csv OUT"), std::string::npos) << help.out;
   EXPECT_EQ(help.err, "");
 }
 

@@ -1,7 +1,9 @@
 // The exports of a real mesh opened by the programs users open them in:
 // CalculiX runs the Abaqus file to its end, meshio reads every node and
-// element of it, and Gmsh reads every node and element of the Universal
-// file. A test whose program isn't installed is skipped.
+// element of it, Gmsh reads every node and element of the Universal file,
+// and meshio and Python's csv reader find in the VTK grid and the table the
+// values of the clean text file. A test whose program isn't installed is
+// skipped.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -93,6 +95,65 @@ TEST_F(ExportReaders, GmshReadsEveryNodeAndElementOfTheUniversalFile) {
   const std::string msh = dir.Read("mesh.msh");
   EXPECT_EQ(CountAfter(msh, "$Nodes"), validNodes);
   EXPECT_EQ(CountAfter(msh, "$Elements"), s.NbPat);
+}
+
+// Reads mesh.cfr, mesh.vtu and mesh.csv; checks that the viewer files give
+// every valid node of the text file with the same values, positions and
+// displacements scaled by the calibration (argv: x and y scale); prints
+// "same" or what differs.
+constexpr const char* kViewerCheck = R"py(import csv, math, sys
+import meshio
+sx, sy = float(sys.argv[1]), float(sys.argv[2])
+section, cfr = None, {}
+for line in open("mesh.cfr"):
+    t = line.split()
+    if not t:
+        continue
+    if t[0].startswith("*"):
+        section = t[0]
+        continue
+    if section in ("*NODE", "*DISPLACEMENT", "*STRAIN"):
+        cfr.setdefault(int(t[0]), {})[section] = [float(v) for v in t[1:]]
+def expected(node):
+    x, y = cfr[node]["*NODE"]
+    u, v = cfr[node]["*DISPLACEMENT"]
+    e11, e22, e12, h1, h2, teta, psi, gamma = cfr[node]["*STRAIN"]
+    return {"X": x * sx, "Y": y * sy, "U": u * sx, "V": v * sy, "E11": e11, "E22": e22, "E12": e12,
+            "H1": h1, "H2": h2, "TETA": teta, "PSI": psi, "GAMMA": gamma}
+def close(a, b):
+    return math.isclose(a, b, rel_tol=1e-12, abs_tol=1e-12)
+faults = []
+rows = {int(r["Node"]): r for r in csv.DictReader(open("mesh.csv", newline=""))}
+if set(rows) != set(cfr):
+    faults.append("csv nodes differ")
+for node, row in rows.items():
+    for name, value in expected(node).items():
+        unit = "mm" if name in "XYUV" else "deg" if name in ("TETA", "PSI", "GAMMA") else "%"
+        if not close(float(row[name + " (" + unit + ")"]), value):
+            faults.append("csv %s of %d" % (name, node))
+m = meshio.read("mesh.vtu")
+for node in cfr:
+    want, i = expected(node), node - 1
+    got = {"X": m.points[i][0], "Y": -m.points[i][1]}
+    got.update({name: m.point_data[name][i] for name in want if name not in ("X", "Y")})
+    if m.point_data["valid"][i] != 1 or not all(close(got[k], want[k]) for k in want):
+        faults.append("vtu node %d" % node)
+quads = sum(len(c.data) for c in m.cells if c.type == "quad")
+print("same" if not faults else faults[:5], len(m.points), quads)
+)py";
+
+TEST_F(ExportReaders, MeshioAndPythonCsvFindTheValuesOfTheTextFileInTheViewerFiles) {
+  const std::optional<std::string> python = PythonWithMeshio();
+  if (!python) GTEST_SKIP() << "meshio isn't installed";
+  s.UnitPX = 0.02, s.UnitPY = 0.03;
+  s.UnitNameX = s.UnitNameY = "mm";
+  ASSERT_TRUE(SauveCfr(s, 0, dir.File("mesh.cfr")));
+  ASSERT_TRUE(SauveVtu(s, 0, dir.File("mesh.vtu")));
+  ASSERT_TRUE(SauveCsv(s, dir.File("mesh.csv")));
+  dir.Write("check.py", kViewerCheck);
+  const std::optional<std::string> output = Run(*python + " check.py 0.02 0.03");
+  ASSERT_TRUE(output);
+  EXPECT_EQ(*output, "same " + std::to_string(s.NbNoeuds) + " " + std::to_string(s.NbPat) + "\n");
 }
 
 }  // namespace
