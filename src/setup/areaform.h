@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
+#include "formats/sidefiles.h"
 #include "setup/engine.h"
 #include "setup/pictureview.h"
 #include "state/appstate.h"
@@ -55,8 +57,93 @@ class AreaForm {
 
   // Per member of the sequence (1-based): its data file was saved.
   std::vector<bool> DoneFlags;
+  // Member of the sequence on show, from 1.
+  int32_t CurFile = 1;
+  // The drawing tool down (AreaTool), and the kind of gauge it lays.
+  int32_t ToolCode = 0;
+  int32_t GaugeKind = 0;
+  // The forming-limit button is the crack tool.
+  bool CrackTool = false;
+  // The names of the stored area sets, shown in Combo1.
+  AreaSetList AoiNames;
+  // Whether the start-point tool (InitialSolution) is down.
+  bool GivingStartPoints() const { return controls_.Checked("Toolbar2.InitialSolution"); }
+
+  // ---- Load, timers, the sequence of data files and close (areanavigation.cpp)
+
+  // The window's load: the tool bars, the area sets and the member list;
+  // Timer3 is started to read the first data file once the window shows.
+  void Load();
+  // Timer3 fires once.
+  void OnTimer3();
+  // Timer1 and Timer2 blink FlashInfo and FlashInfo2.
+  void OnTimer1();
+  void OnTimer2();
+  // Saves the member on show and reads the next one; after the last it
+  // closes the window. False when the save failed.
+  bool NextData();
+  // Saves the member on show and every one after it, unattended.
+  void EndData();
+  // Goes back one member without saving.
+  void PreviousData();
+  // The window closes: the frame shows its picture again.
+  void Unload();
+
+  // ---- The tool bars, menus, lists and fields (areatools.cpp)
+
+  // Captions, tooltips and starting states of both bars.
+  void InitToolbar();
+  void OnToolbar1Click(const std::string& key);
+  // A click on the button at `index` of Toolbar2; a two-state button's new
+  // state has been written to the registry by the view before.
+  void OnToolbar2Click(int index);
+  // A choice of the popup menu: "AutoSearchMNU" or "ShowBestMNU".
+  void OnMenuClick(const std::string& item);
+  // Combo1: a name chosen, Enter typed (keyAscii 13), Delete (key code 46)
+  // pressed on the entry at `position` (1-based).
+  void OnCombo1Click(int32_t position);
+  void OnCombo1KeyPress(int keyAscii);
+  void OnCombo1Delete(int32_t position);
+  // The extra values: names in Combo2, values in the hidden List2, the value
+  // of the chosen name in Text2.
+  void OnCombo2Click(int32_t position);
+  void OnCombo2KeyPress(int keyAscii);
+  void OnCombo2Delete(int32_t position);
+  void OnText2KeyPress(int keyAscii);
+  // A calibration field (UnitPixX, UnitPixY, UnitX, UnitY) was edited while
+  // it held the focus.
+  void OnUnitChange(const std::string& field);
+
+  // ---- The pointer over the views (areaevents.cpp)
+
+  // x and y in picture pixels; button and shift as in ui/pointer.h.
+  void OnPicRefMouseDown(int button, int shift, double x, double y);
+  void OnPicRefMouseMove(int button, int shift, double x, double y);
+  // True when the view is to pop up the menu Menu.
+  bool OnPicRefMouseUp(int button, int shift, double x, double y);
+  void OnPicDefMouseDown(int button, int shift, double x, double y);
+  void OnPicDefMouseMove(int button, int shift, double x, double y);
+  void OnPicDefMouseUp(int button, int shift, double x, double y);
 
  private:
+  // Where the left button went down on PicRef, while a drag of a tool lasts.
+  struct Press {
+    bool down = false;
+    double x = 0.0, y = 0.0;
+  };
+
+  void ReadMember(int32_t index);
+  bool SaveAndMoveOn();
+  void ReadNextMember();
+  void PressTool(int index);
+  void OnInitialSolution(bool pressed);
+  void FinishDrag(double x1, double y1, double x, double y);
+  void FollowTool(double x, double y);
+  void GiveStartPoint(double x, double y);
+  void ShowRubberLine(double x1, double y1, double x2, double y2);
+  void ShowRubberBox(double x1, double y1, double x2, double y2);
+  void HideRubbers();
+
   void DrawAreaOutlines(Canvas& canvas);
   void RefreshView(PictureView& view);
 
@@ -68,6 +155,7 @@ class AreaForm {
   PictureView refView_;
   PictureView defView_;
   SetupEngine engine_;
+  Press press_;
 };
 
 }  // namespace tessiva

@@ -16,7 +16,6 @@ constexpr int32_t kAllSelectMargin = 15;
 constexpr int kCrackDiscPoints = 24;
 constexpr int kGaugeDiscPoints = 12;
 constexpr size_t kMaxFreeHandPoints = 50;
-constexpr int kRosette = 1;
 constexpr int kAreaToolButtons = 12;
 
 Vertex Rounded(double x, double y) { return {RoundToInt32(x), RoundToInt32(y)}; }
@@ -32,13 +31,6 @@ struct MidLine {
 MidLine MidLineOf(const Outline& band) {
   return {(band[0].x + band[3].x) / 2.0, (band[0].y + band[3].y) / 2.0, (band[1].x + band[2].x) / 2.0,
           (band[1].y + band[2].y) / 2.0};
-}
-
-Outline AreaOutline(const AppState& s, int32_t k) {
-  Outline outline;
-  const int32_t points = std::min(s.Nbox[At(k)], AppState::kMaxVertices);
-  for (int32_t j = 1; j <= points; ++j) outline.push_back({s.XBox[At(k)][At(j)], s.YBox[At(k)][At(j)]});
-  return outline;
 }
 
 void DrawOutline(Canvas* canvas, const Outline& outline, Colour colour) {
@@ -68,14 +60,15 @@ bool ConfirmLosingStartPoints(AreaForm& form, const std::string& what) {
          MsgAnswer::Yes;
 }
 
-// The crack tool opens the parameters window with its fields editable.
-void ShowParametersWindow(AreaForm& form) {
-  for (const char* field : {"Text1", "Text2", "Text3", "Text4", "TextYoung", "TextPoisson"})
-    form.Parameters().Controls().SetEnabled(field, true);
-  form.Ui().Frame().SetVisible("Param", true);
-}
-
 }  // namespace
+
+Outline AreaOutline(const AppState& s, int32_t k) {
+  Outline outline;
+  if (k < 0 || k > AppState::kMaxAreas) return outline;
+  const int32_t points = std::min(s.Nbox[At(k)], AppState::kMaxVertices);
+  for (int32_t j = 1; j <= points; ++j) outline.push_back({s.XBox[At(k)][At(j)], s.YBox[At(k)][At(j)]});
+  return outline;
+}
 
 BandOffset BandOffsetFor(double x1, double y1, double x2, double y2, double halfWidth) {
   if (x1 == x2) return {halfWidth, 0.0};
@@ -338,7 +331,7 @@ bool AddCrack(AreaForm& form, double x1, double y1, double x2, double y2) {
   s.YFissureArr = y1;
   s.XFissureDep = x2;
   s.YFissureDep = y2;
-  ShowParametersWindow(form);
+  Parametre(form);
   return true;
 }
 
@@ -359,6 +352,13 @@ bool AddGauge(AreaForm& form, double x1, double y1, double x2, double y2, int32_
 
 void CreateBoxJauge(AreaForm& form, int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t kind, int32_t tag) {
   StoreGaugeAreas(form.State(), {"", kind, x1, y1, x2, y2}, tag);
+}
+
+void Parametre(AreaForm& form) {
+  for (const char* field : {"Text1", "Text2", "Text3", "Text4", "TextYoung", "TextPoisson"})
+    form.Parameters().Controls().SetEnabled(field, true);
+  form.Parameters().SelectTab(1);
+  form.Ui().Frame().SetVisible("Param", true);
 }
 
 void EnableAreaTools(AreaForm& form, bool enabled) {

@@ -21,6 +21,9 @@ struct Vertex {
   bool operator==(const Vertex&) const = default;
 };
 
+// The kinds of gauge a gauge tool lays.
+enum GaugeKindCode : int32_t { kJauge = 0, kRosette = 1, kSlider = 2 };
+
 // A closed outline: its last vertex repeats the first.
 using Outline = std::vector<Vertex>;
 
@@ -55,6 +58,8 @@ std::array<Outline, 2> NeckStrips(const Outline& band, Vertex neck, int32_t lpas
 
 // ---- The area store and the inside test ------------------------------------
 
+// The points of area k, as stored.
+Outline AreaOutline(const AppState& s, int32_t k);
 // Adds an outline as area NbBox with its tag; false when the store is full.
 bool StoreArea(AppState& s, const Outline& outline, int32_t tag);
 // The areas gauge g needs, tagged with its number.
@@ -117,6 +122,8 @@ bool AddGauge(AreaForm& form, double x1, double y1, double x2, double y2, int32_
 void CreateBoxJauge(AreaForm& form, int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t kind, int32_t tag);
 // Enables or disables the tool buttons 1 to 12 of Toolbar2, which change areas.
 void EnableAreaTools(AreaForm& form, bool enabled);
+// `Parametre`, and the crack tool: the parameters window with every input field editable.
+void Parametre(AreaForm& form);
 // `trashlast` and `trash`; both ask first when start points exist.
 void TrashLast(AreaForm& form);
 void Trash(AreaForm& form);
