@@ -15,6 +15,8 @@ cli="${TESSIVA_CLI:-$here/tessiva-cli}"
 solver="${TESSIVA_SOLVER:-$here/tessiva-solver}"
 app="${TESSIVA_APP:-$here/tessiva}"
 ini="${TESSIVA_DEMO_INI:-$here/../share/tessiva/demo/correl.ini}"
+# The work happens in the demo's directory: paths given relative to here must hold there too.
+cli="$(realpath -m "$cli")" solver="$(realpath -m "$solver")" app="$(realpath -m "$app")" ini="$(realpath -m "$ini")"
 for needed in "$cli" "$solver" "$ini"; do
   [ -e "$needed" ] || { echo "tessiva-demo: $needed is missing; is Tessiva installed?" >&2; exit 1; }
 done
