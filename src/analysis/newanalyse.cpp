@@ -76,10 +76,16 @@ void NewAnalyse::OnPicAnaMouseMove(int button, int shift, double x, double y) {
 }
 
 std::optional<PicAnaMenu> NewAnalyse::OnPicAnaMouseUp(int button, int shift, double x, double y) {
+  if (VueCourante == kViewFlcDiagram && button == kLeftButton && !(shift & kShiftKey)) Flc.OnDiagramClick(x, y);
   return picking_.MouseUp(button, shift, x, y);
 }
 
 void NewAnalyse::AfterFileChange() {
+  if (VueCourante == kViewFlcDetermination) {
+    Flc.OnFileChanged();
+    PicAnaRefresh();
+    return;
+  }
   if (!picking_.OnFileChanged()) PicAnaRefresh();
 }
 
@@ -200,8 +206,7 @@ void NewAnalyse::CalculKI() {}
 // Filled in with the stress intensity analysis.
 void NewAnalyse::AfficheKI(bool) {}
 void NewAnalyse::AfficheEtTraiteAOS(bool showHead) { picking_.AfficheEtTraiteAOS(showHead); }
-// Filled in with the forming-limit analysis.
-void NewAnalyse::AfficheCLF(int32_t) {}
+void NewAnalyse::AfficheCLF(int32_t view) { Flc.AfficheCLF(view); }
 // PicAna takes the size of the picture at the view's zoom; its scroll view shows what fits.
 void NewAnalyse::LayOutPicAna() {
   const AnalysisPicture& picture = OnFinal() ? PicAnaTemp2 : PicAnaTemp;
@@ -276,6 +281,7 @@ void NewAnalyse::OnCombo2Click(int32_t index) {
     VueCourante = *entry->view;
     picking_.OnFieldChanged(VueCourante);
   }
+  if (VueCourante == kViewFlcDetermination) Flc.OnDeterminationChosen();
   PicAnaRefresh();
 }
 

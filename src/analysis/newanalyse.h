@@ -112,6 +112,11 @@ class NewAnalyse {
   Canvas* IsoPic = nullptr;
   // The map's surface, in picture pixels; nothing is painted while none is attached.
   Canvas* PicAna = nullptr;
+  // The forming-limit graph's surface; nothing is drawn while none is attached.
+  Canvas* Graphe = nullptr;
+  // A section of field 16 keeps its abscissae, states and ranges: set by a
+  // change of member, cleared when a new section is chosen.
+  bool keepScale = false;
   // The amplification of the mesh and vector views.
   double Magni = 1.0;
 
@@ -210,12 +215,12 @@ class NewAnalyse {
   // Sizes and centres PicAna and Repere in their frame.
   virtual void LayOutPicAna();
 
-  // The settings the field values are read with.
+  // The settings the field values are read with, and the map's sampling.
   FieldSettings FieldSettingsNow() const;
+  MapOptions MapOptionsNow() const;
 
  private:
   RangeSettings RangeSettingsNow() const;
-  MapOptions MapOptionsNow() const;
   void InitToolbar();
   // Titles, captions and the reference box of the view on show.
   void ShowViewTexts();

@@ -147,6 +147,13 @@ void Picking::AfficheEtTraiteAOS(bool showHead) {
       SampleLine();
       break;
     case kAosRectangle:
+      // On field 16 the picking tools are off: the box is the section tool's band.
+      if (w_.VueCourante == kViewFlcDetermination) {
+        PickTool = kPickSection;
+        SectionTool = SectionKind::FormingLimit;
+        w_.Flc.ReplayBand();
+        break;
+      }
       PickTool = kPickRectangle;
       PressToolButton(PickTool);
       StartCollector();
