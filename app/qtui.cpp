@@ -141,6 +141,12 @@ bool QtUi::StartProcess(const std::string& program, const std::vector<std::strin
   return QProcess::startDetached(ToQt(program), args);
 }
 
+bool QtUi::StartSolver(const std::string& program, const std::vector<std::string>& arguments,
+                       const std::string& outputFile) {
+  if (!solverMonitor_) solverMonitor_ = std::make_unique<SolverMonitor>(*this);
+  return solverMonitor_->Start(program, arguments, outputFile);
+}
+
 void QtUi::SetBusy(bool busy) {
   if (busy) {
     ++busyDepth_;

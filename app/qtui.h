@@ -6,7 +6,9 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <memory>
 
+#include "solvermonitor.h"
 #include "ui/uiport.h"
 
 namespace tessiva {
@@ -38,6 +40,9 @@ class QtUi : public UiPort {
   void SetClipboardPicture(const RgbImage& picture) override;
   void Beep() override;
   bool StartProcess(const std::string& program, const std::vector<std::string>& arguments) override;
+  // The frame's status line follows the solver, and a message says how it ended.
+  bool StartSolver(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::string& outputFile) override;
   // Nested calls are counted: the pointer comes back with the last one.
   void SetBusy(bool busy) override;
   void DoEvents() override;
@@ -48,6 +53,7 @@ class QtUi : public UiPort {
 
   QPointer<QWidget> parent_;
   int busyDepth_ = 0;
+  std::unique_ptr<SolverMonitor> solverMonitor_;
 };
 
 }  // namespace tessiva

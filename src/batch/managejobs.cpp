@@ -161,7 +161,9 @@ bool ManageJobs::StartSolver() {
   } else if (!WriteFileAtomically(JoinPath(s_.LastDir, "entre.dat"), queue)) {
     return false;
   }
-  if (!ui_.StartProcess(JoinPath(s_.StartDir, s_.ExePath), {s_.LastDir, s_.StartDir})) return false;
+  // The solver's report goes beside entre.dat, for the frame to follow and the user to read.
+  if (!ui_.StartSolver(JoinPath(s_.StartDir, s_.ExePath), {s_.LastDir, s_.StartDir}, JoinPath(s_.LastDir, "solver.log")))
+    return false;
   ui_.MessageBox(s_.ExePath + " is running", "", MsgButtons::Ok, MsgIcon::None);
   return true;
 }

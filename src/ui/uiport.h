@@ -82,6 +82,13 @@ class UiPort {
   virtual void Beep() {}
   // Starts a program without waiting for it; false when it could not be started.
   virtual bool StartProcess(const std::string& program, const std::vector<std::string>& arguments) = 0;
+  // Starts the correlation solver without waiting for it, its output going
+  // to `outputFile`, where a desktop port follows it: the status line shows
+  // its progress and a message its end. Here it is only started.
+  virtual bool StartSolver(const std::string& program, const std::vector<std::string>& arguments,
+                           const std::string& /*outputFile*/) {
+    return StartProcess(program, arguments);
+  }
   virtual void SetBusy(bool busy) = 0;
   // Lets pending window events run (the marked places of long work).
   virtual void DoEvents() = 0;

@@ -1,10 +1,15 @@
 // The Qt ports and the widget binding on their own: dialog filters and results,
 // the QImage canvas and RegistryBinding.
+#include <QApplication>
 #include <QCheckBox>
+#include <QFile>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include "qimagecanvas.h"
 #include "qtui.h"
@@ -24,6 +29,7 @@ class QtPortTests : public QObject {
   void xorDrawingTwiceRestoresThePicture();
   void filledBatchesPaintWhatPainterFillsPaint();
   void bindingMirrorsTheRegistryAndWritesEditsBeforeReportingThem();
+  void statusLineFollowsTheSolverAndAMessageSaysHowItEnded();
 };
 
 void QtPortTests::fileDialogFiltersAndResultsConvert() {
@@ -184,6 +190,44 @@ void QtPortTests::bindingMirrorsTheRegistryAndWritesEditsBeforeReportingThem() {
   QVERIFY(!registry.Visible("Tool"));
   registry.SetVisible("Tool", true);  // shown again after the user closed it
   QVERIFY(tool->isVisible());
+}
+
+// A stand-in solver that solves one job, pauses, skips the second and fails.
+void QtPortTests::statusLineFollowsTheSolverAndAMessageSaysHowItEnded() {
+  QTemporaryDir dir;
+  QFile solver(dir.filePath("solver"));
+  QVERIFY(solver.open(QIODevice::WriteOnly));
+  solver.write("#!/bin/sh\n"
+               "echo 'file 1 of 2: a.don'\n"
+               "echo '  patterns solved 25, bad patterns 0, time 0.10 s'\n"
+               "sleep 1\n"
+               "echo 'file 2 of 2: b.don'\n"
+               "echo \"  skipped: the picture b.bmp can't be read\"\n"
+               "echo 'done: 1 of 2 jobs solved, 1 skipped, 0.20 s'\n"
+               "exit 3\n");
+  solver.close();
+  solver.setPermissions(solver.permissions() | QFileDevice::ExeOwner);
+
+  ControlRegistry frame;
+  QtUi ui(frame);
+  QString shown;
+  QTimer answer;  // the end's message box is modal: read and close it
+  QObject::connect(&answer, &QTimer::timeout, [&shown] {
+    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+      shown = box->text();
+      box->button(QMessageBox::Ok)->click();
+    }
+  });
+  answer.start(50);
+  const std::string log = dir.filePath("solver.log").toStdString();
+  QVERIFY(!ui.StartSolver(dir.filePath("missing").toStdString(), {}, log));
+  QVERIFY(ui.StartSolver(solver.fileName().toStdString(), {dir.path().toStdString()}, log));
+  QTRY_VERIFY_WITH_TIMEOUT(frame.Text("Label1").find("Solver: file 1 of 2: a.don, 25 patterns solved") != std::string::npos,
+                           5000);
+  QTRY_VERIFY_WITH_TIMEOUT(!shown.isEmpty(), 10000);
+  QCOMPARE(shown, QStringLiteral("The solver ended with exit status 3: 1 of 2 jobs solved, 1 skipped, 0.20 s.\n"
+                                 "Skipped:\nb.don: the picture b.bmp can't be read"));
+  QCOMPARE(frame.Text("Label1"), std::string(" The solver ended with exit status 3: 1 of 2 jobs solved, 1 skipped, 0.20 s."));
 }
 
 int RunQtPortTests(int argc, char** argv) {
