@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "exportcommand.h"
+#include "flccommand.h"
 #include "mapcommand.h"
 #include "pickcommand.h"
 #include "setupcommand.h"
@@ -16,6 +17,8 @@ constexpr const char* kUsage =
     "                             [--grid N] [--pattern MIN MAX] [--bilinear] [--large-strain]\n"
     "       tessiva-cli export RESULT.res --cfr|--unv|--inp|--vtu|--csv OUT [--show-bad-pattern]\n"
     "                          [--final-to-initial]\n"
+    "       tessiva-cli flc RESULT.res|SEQUENCE.seq [--band X1,Y1,X2,Y2] [--position P] [--side left|right]\n"
+    "                       [--method cosine|iso12004] [--csv]\n"
     "       tessiva-cli map RESULT.res|SEQUENCE.seq --field NAME --png OUT [--smooth N] [--on-final]\n"
     "                       [--magnification M] [--palette 0|1|2] [--show-bad]\n"
     "       tessiva-cli map --list-fields\n"
@@ -45,6 +48,22 @@ constexpr const char* kUsage =
     "  --csv                a table of the valid nodes, a row each, units in the header\n"
     "  --show-bad-pattern   \"Show Bad Pattern\": patterns that aren't good take part\n"
     "  --final-to-initial   \"Final -> Initial\": strains on the deformed configuration\n"
+    "\n"
+    "flc     the forming-limit determination of the analysis window (field \"FLC Determination\")\n"
+    "        on a result or on each member of a sequence. The section of 79 points is laid across\n"
+    "        the neck, the points of the neck (between the inner bounds of the fit windows, where\n"
+    "        the major strain bends up most) are rejected, and the limit strains are read from\n"
+    "        the rest; the section and its states are kept along the sequence. Prints the\n"
+    "        section of the last member (abscissa in pixels, strains in %, state 1 fitted,\n"
+    "        0 no data, -1 rejected), then the limit strains, one row a member.\n"
+    "  --band X1,Y1,X2,Y2   picture pixels: the section tool's line across the neck; without\n"
+    "                       it the section runs between the result's two areas\n"
+    "  --position P         \"Line position\", 0 to 100 across the band (50)\n"
+    "  --side left|right    that half of the section only, mirrored about its middle\n"
+    "  --method M           cosine: the cosine-linear fit, its extremes and quality (default);\n"
+    "                       iso12004: the cross-section method of ISO 12004-2, an inverse\n"
+    "                       parabola fitted on windows 10 (1 + E2/E1) mm wide either side\n"
+    "  --csv                comma separated, LF line ends\n"
     "\n"
     "map     reads a result as the analysis window does and writes a field of it as a PNG\n"
     "        picture: the title, the map over the result's picture, the scale's name, the\n"
@@ -96,6 +115,8 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
   const std::string command = args.empty() ? "" : args[0];
   if (command == "export") {
     if (const auto request = ParseExport(rest, problem)) return RunExport(*request, err);
+  } else if (command == "flc") {
+    if (const auto request = ParseFlc(rest, problem)) return RunFlc(*request, out, err);
   } else if (command == "map") {
     if (const auto request = ParseMap(rest, problem)) return RunMap(*request, out, err);
   } else if (command == "pick") {

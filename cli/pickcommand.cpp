@@ -48,20 +48,6 @@ std::string NameOfKey(std::string_view key) {
   return std::string(key);
 }
 
-// "12.5,40" as numbers; nothing unless every part is a finite number.
-std::optional<std::vector<double>> Coordinates(const std::string& text) {
-  std::vector<double> values;
-  for (const std::string& part : SplitText(text, ",")) {
-    const std::string number = Trim(part);
-    double value = 0.0;
-    const auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (number.empty() || ec != std::errc() || end != number.data() + number.size() || !std::isfinite(value))
-      return std::nullopt;
-    values.push_back(value);
-  }
-  return values;
-}
-
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines = SplitText(text, "\r\n");
   while (!lines.empty() && lines.back().empty()) lines.pop_back();
@@ -321,6 +307,19 @@ class Picker {
 };
 
 }  // namespace
+
+std::optional<std::vector<double>> Coordinates(const std::string& text) {
+  std::vector<double> values;
+  for (const std::string& part : SplitText(text, ",")) {
+    const std::string number = Trim(part);
+    double value = 0.0;
+    const auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (number.empty() || ec != std::errc() || end != number.data() + number.size() || !std::isfinite(value))
+      return std::nullopt;
+    values.push_back(value);
+  }
+  return values;
+}
 
 std::string CsvField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
