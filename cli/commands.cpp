@@ -5,6 +5,7 @@
 #include "mapcommand.h"
 #include "pickcommand.h"
 #include "setupcommand.h"
+#include "sifcommand.h"
 #include "state/numtext.h"
 #include "synthcommand.h"
 
@@ -23,6 +24,8 @@ constexpr const char* kUsage =
     "                       [--magnification M] [--palette 0|1|2] [--show-bad]\n"
     "       tessiva-cli map --list-fields\n"
     "       tessiva-cli pick RESULT.res|SEQUENCE.seq --tool TOOL --at X1,Y1[,X2,Y2] --field NAME [--csv]\n"
+    "       tessiva-cli sif RESULT.res|SEQUENCE.seq --crack XTIP,YTIP,XSTART,YSTART --radius R [--klarg K]\n"
+    "                       [--csv]\n"
     "       tessiva-cli --help\n"
     "\n"
     "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp with a known displacement\n"
@@ -95,6 +98,20 @@ constexpr const char* kUsage =
     "  --csv                comma separated, a header naming each column with its unit, LF\n"
     "                       line ends; a rectangle gives one row a cell: file, X, Y, value\n"
     "\n"
+    "sif     the stress intensity factors of a crack, as the crack tool of the analysis window\n"
+    "        measures them, on a result or on each member of a sequence: one row a member of\n"
+    "        J, KI, KII, KIfromJ (from J), JfromKs (from KI and KII) and the direction of\n"
+    "        growth in degrees on the picture (from +x towards +y, downwards). Plane stress,\n"
+    "        with the result's Young modulus (MPa) and Poisson ratio: J in Pa x unit, K in\n"
+    "        Pa x unit^0.5, the unit being the result's length unit.\n"
+    "  --crack X1,Y1,X2,Y2  picture pixels: the crack's tip, then its start; at least three\n"
+    "                       grid steps long\n"
+    "  --radius R           pixels: the integrals run over the ring from 0.4 R to 0.8 R round\n"
+    "                       the tip; keep 0.8 R within the crack's length\n"
+    "  --klarg K            half width of the band left out along the crack, in grid steps\n"
+    "                       (any positive number; 3 when not given)\n"
+    "  --csv                comma separated with units in the header, LF line ends\n"
+    "\n"
     "The forming-limit curve comes from correl.ini in the current directory, when there is one.\n";
 
 }  // namespace
@@ -121,6 +138,8 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     if (const auto request = ParseMap(rest, problem)) return RunMap(*request, out, err);
   } else if (command == "pick") {
     if (const auto request = ParsePick(rest, problem)) return RunPick(*request, out, err);
+  } else if (command == "sif") {
+    if (const auto request = ParseSif(rest, problem)) return RunSif(*request, out, err);
   } else if (command == "synth") {
     if (const auto request = ParseSynth(rest, problem)) return RunSynth(*request, out, err);
   } else if (command == "setup") {

@@ -81,6 +81,10 @@ std::optional<PicAnaMenu> NewAnalyse::OnPicAnaMouseUp(int button, int shift, dou
 }
 
 void NewAnalyse::AfterFileChange() {
+  if (s_.FissureOn) {
+    CalculKI();
+    AfficheKI(false);
+  }
   if (VueCourante == kViewFlcDetermination) {
     Flc.OnFileChanged();
     PicAnaRefresh();
@@ -201,10 +205,8 @@ void NewAnalyse::ShowIsoPointer(double x) {
   controls_.SetVisible("IsoLine", true);
   controls_.SetVisible("IsoLabel", true);
 }
-// Filled in with the stress intensity analysis.
-void NewAnalyse::CalculKI() {}
-// Filled in with the stress intensity analysis.
-void NewAnalyse::AfficheKI(bool) {}
+void NewAnalyse::CalculKI() { Crack.CalculKI(); }
+void NewAnalyse::AfficheKI(bool showHead) { Crack.AfficheKI(showHead); }
 void NewAnalyse::AfficheEtTraiteAOS(bool showHead) { picking_.AfficheEtTraiteAOS(showHead); }
 void NewAnalyse::AfficheCLF(int32_t view) { Flc.AfficheCLF(view); }
 // PicAna takes the size of the picture at the view's zoom; its scroll view shows what fits.
@@ -375,6 +377,7 @@ void NewAnalyse::PicAnaRefresh() {
   }
   if (VueCourante != kViewDeformedMesh && VueCourante != kViewVectors) DrawDistribution();
   picking_.DrawOverlay(*PicAna);
+  if (s_.FissureOn) Crack.DrawOverlay(*PicAna);
   PicAna->Refresh();
 }
 

@@ -154,8 +154,9 @@ class NewAnalyse {
   void OnPicAnaMouseDown(int button, int shift, double x, double y);
   void OnPicAnaMouseMove(int button, int shift, double x, double y);
   std::optional<PicAnaMenu> OnPicAnaMouseUp(int button, int shift, double x, double y);
-  // After another member of the sequence was read: the selection and the
-  // gauges replay on it, or the map is repainted when there are none.
+  // After another member of the sequence was read: a defined crack is
+  // measured on it and gives a row, then the selection and the gauges
+  // replay on it, or the map is repainted when there are none.
   void AfterFileChange();
   // The collector window closes: picking ends.
   void OnInfoClose();

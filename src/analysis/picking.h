@@ -139,6 +139,12 @@ class Picking {
   // The extra values of the member on show, tab separated: their names with
   // `head`, else their values.
   std::string PickingExtra(bool head) const;
+  // The name of the member on show.
+  std::string CurrentFileName() const;
+  // The selection becomes `kind` with these vertices; SaveWorkingCopy keeps
+  // it and the gauges as the working copy "temp".
+  void SetSelection(int32_t kind, const std::vector<std::pair<double, double>>& vertices);
+  void SaveWorkingCopy();
 
  private:
   // The colour of the stored selection and of a picked point's mark: red.
@@ -152,7 +158,6 @@ class Picking {
   void ShowLine(double x1, double y1, double x2, double y2);
   void ShowShape(double left, double top, double width, double height);
   void HideRubbers();
-  std::string CurrentFileName() const;
   std::string FormatLong() const;
   // The rows of each kind of selection, on the result on show.
   void GaugeRowOf(int32_t gauge);
@@ -163,8 +168,6 @@ class Picking {
   void DrawRectangle(Canvas& canvas) const;
   // Reads a stored selection and its gauges; on failure nothing changes.
   bool LoadSelection(const std::string& name);
-  void SaveWorkingCopy();
-  void SetSelection(int32_t kind, const std::vector<std::pair<double, double>>& vertices);
 
   NewAnalyse& w_;
 };

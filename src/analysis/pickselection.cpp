@@ -159,8 +159,13 @@ void Picking::AfficheEtTraiteAOS(bool showHead) {
       StartCollector();
       RectangleToClipboard();
       break;
+    case kAosCrack:
+      PickTool = kPickSection;
+      SectionTool = SectionKind::Crack;
+      PressToolButton(PickTool);
+      w_.Crack.Replay(Selection, showHead);
+      break;
     default:
-      // A crack (kAosCrack) is replayed by the stress intensity analysis.
       break;
   }
 }
