@@ -227,13 +227,20 @@ void FormingLimits::Recalculate() {
   AfficheCLFEpsiNEW();
 }
 
-// A new display: its first section sets the scale the next members keep.
-void FormingLimits::OnDeterminationChosen() {
+void FormingLimits::ShowPanel() {
+  const int32_t view = w_.VueCourante;
+  w_.Controls().SetVisible("GrapheAna", GraphShown && (view == kViewFlcDiagram || view == kViewFlcDetermination));
+  w_.Controls().SetVisible("FrameCLF", GraphShown && view == kViewFlcDetermination);
+}
+
+// A new display of field 16: its first section sets the scale the next members keep.
+void FormingLimits::OnFieldChosen(int32_t view) {
+  ShowPanel();
+  if (view != kViewFlcDetermination) return;
   w_.keepScale = false;
   SectionSide = 0;
   CheckOnly("Option1", 3, 0);
   if (!w_.Controls().Checked("OptionE(1)")) CheckOnly("OptionE", 2, 0);
-  w_.Controls().SetVisible("FrameCLF", true);
   CalculCLFEpsiNEW(0.5, w_.keepScale, w_.PickingTools().PickTool == kPickSection);
   AfficheCLFEpsiNEW();
 }
@@ -278,13 +285,11 @@ void FormingLimits::OnFlcMethodClick(int index) {
 
 void FormingLimits::OnImage1Click() {
   GraphShown = !GraphShown;
-  const bool flcView = w_.VueCourante == kViewFlcDiagram || w_.VueCourante == kViewFlcDetermination;
-  w_.Controls().SetVisible("GrapheAna", GraphShown && flcView);
-  w_.Controls().SetVisible("FrameCLF", GraphShown && w_.VueCourante == kViewFlcDetermination);
-  if (!GraphShown || !flcView) return;
+  ShowPanel();
+  if (!GraphShown) return;
   if (w_.VueCourante == kViewFlcDiagram) {
     w_.PicAnaRefresh();
-  } else {
+  } else if (w_.VueCourante == kViewFlcDetermination) {
     AfficheCLFEpsiNEW();
   }
 }

@@ -105,8 +105,9 @@ class FormingLimits {
   // panel shown the diagram (15) or the section's graph (16).
   void AfficheCLF(int32_t view);
 
-  // Field 16 chosen in Combo2: the section at the middle, a new display.
-  void OnDeterminationChosen();
+  // A field chosen in Combo2: the graph panel shows with the forming-limit
+  // fields only; field 16 starts a new display with the section at the middle.
+  void OnFieldChosen(int32_t view);
   // After another member is read with field 16 on show: the section is
   // sampled again where it was, the states kept.
   void OnFileChanged();
@@ -151,6 +152,8 @@ class FormingLimits {
   void ShowLimit(const std::string& name, double at);
   void MoveLimits(double x, bool inf);
   void SetPosScroll(int32_t value);
+  // GrapheAna with the forming-limit fields and FrameCLF with field 16, while the graph is shown.
+  void ShowPanel();
   void CheckOnly(const std::string& group, int count, int chosen);
   // The section again at PosScroll with the window's keepScale, and its graph.
   void Recalculate();

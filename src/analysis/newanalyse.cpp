@@ -283,7 +283,7 @@ void NewAnalyse::OnCombo2Click(int32_t index) {
     VueCourante = *entry->view;
     picking_.OnFieldChanged(VueCourante);
   }
-  if (VueCourante == kViewFlcDetermination) Flc.OnDeterminationChosen();
+  Flc.OnFieldChosen(VueCourante);
   PicAnaRefresh();
 }
 
