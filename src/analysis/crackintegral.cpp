@@ -47,15 +47,25 @@ struct Elasticity {
         d0(c0 / (2.0 * (E / (2.0 * (1.0 + nu))))) {}
 };
 
-// The polar angle about the tip. On the crack's line behind the tip it is 0,
-// not a half turn: that line lies inside the excluded band.
-double PolarAngle(double X, double Y) {
-  if (X == 0.0 && Y == 0.0) return 0.0;
-  if (X == 0.0) return Y > 0 ? std::numbers::pi / 2 : -std::numbers::pi / 2;
-  double theta = std::atan(Y / X);
-  if (X < 0 && Y > 0) theta += std::numbers::pi;
-  if (X < 0 && Y < 0) theta -= std::numbers::pi;
-  return theta;
+// Cosine and sine of the polar angle about the tip, of its half and of one
+// and a half times it. The angle runs from minus to plus a half turn and is
+// 0 on the crack's line behind the tip, which lies inside the excluded band.
+// The half angles come from the half-angle forms, so no trigonometric call
+// is made at a Gauss point.
+struct PolarTrig {
+  double cs, sn, c2, s2, c3, s3;
+};
+
+PolarTrig Trig(double X, double Y, double r) {
+  PolarTrig t{};
+  const bool behindOnLine = X < 0 && Y == 0;
+  t.cs = behindOnLine ? 1.0 : X / r;
+  t.sn = behindOnLine ? 0.0 : Y / r;
+  t.c2 = std::sqrt(std::max(0.0, (1 + t.cs) / 2));
+  t.s2 = std::copysign(std::sqrt(std::max(0.0, (1 - t.cs) / 2)), t.sn);
+  t.c3 = t.c2 * (4 * t.c2 * t.c2 - 3);
+  t.s3 = t.s2 * (3 - 4 * t.s2 * t.s2);
+  return t;
 }
 
 // Stresses (11, 22, 12) and x-derivatives of the displacements (1, 2) of a
@@ -68,10 +78,8 @@ struct AuxiliaryFields {
   AuxiliaryField modeI, modeII;
 };
 
-AuxiliaryFields WilliamsFields(const Elasticity& el, double r, double theta) {
-  const double cs = std::cos(theta), sn = std::sin(theta);
-  const double c2 = std::cos(theta / 2), s2 = std::sin(theta / 2);
-  const double c3 = std::cos(1.5 * theta), s3 = std::sin(1.5 * theta);
+AuxiliaryFields WilliamsFields(const Elasticity& el, double r, const PolarTrig& t) {
+  const double cs = t.cs, sn = t.sn, c2 = t.c2, s2 = t.s2, c3 = t.c3, s3 = t.s3;
   const double sr = std::sqrt(r), dth = -sn / r;
   const double k = el.kappa, c0 = el.c0, d0 = el.d0;
   AuxiliaryFields f;
@@ -210,7 +218,8 @@ CrackFactors CrackIntegrals(const AppState& s, const CrackLine& crack, const Cra
   double J = 0, I1 = 0, I2 = 0;
   for (int32_t i = 1; i <= s.NbPat; ++i) {
     const double xi = s.XPat[i], yi = s.YPat[i];
-    const double fromTip = std::hypot(xi - crack.xArr, yi - crack.yArr) * p;
+    const double dx = xi - crack.xArr, dy = yi - crack.yArr;
+    const double fromTip = std::sqrt(dx * dx + dy * dy) * p;
     if (fromTip > ro + reach || fromTip < ri - reach) continue;
     const int32_t cell = NumMaille(s, xi, yi);
     if (!TakesPart(s, i, cell, showBad) || InsideBand(band, xi, yi)) continue;
@@ -224,11 +233,11 @@ CrackFactors CrackIntegrals(const AppState& s, const CrackLine& crack, const Cra
     }
     for (size_t k = 0; k < 4; ++k) {
       const Vec2 gauss = frame.Position(xi + kStepX[k] * h * g, yi + kStepY[k] * h * g);
-      const double r = std::hypot(gauss.x, gauss.y);
+      const double r = std::sqrt(gauss.x * gauss.x + gauss.y * gauss.y);
       if (r < ri || r > ro) continue;
-      const double theta = PolarAngle(gauss.x, gauss.y);
-      const double qx = -std::cos(theta) / (ro - ri), qy = -std::sin(theta) / (ro - ri);
-      const AuxiliaryFields aux = WilliamsFields(el, r, theta);
+      const PolarTrig trig = Trig(gauss.x, gauss.y, r);
+      const double qx = -trig.cs / (ro - ri), qy = -trig.sn / (ro - ri);
+      const AuxiliaryFields aux = WilliamsFields(el, r, trig);
       const MeasuredField m = e.At(el, kKsi[k] * g, kEta[k] * g);
       J += JIntegrand(m, qx, qy);
       I1 += Interaction(m, aux.modeI, qx, qy);
