@@ -21,47 +21,11 @@
 #include <initializer_list>
 
 #include "analysetoolbar.h"
+#include "canvasview.h"
 #include "qimagecanvas.h"
 #include "rubberoverlay.h"
 
 namespace tessiva {
-
-// A canvas's picture at its own pixel size. Pointer events are handed on as
-// they come; their positions are the canvas's pixels.
-class CanvasView : public QWidget {
- public:
-  explicit CanvasView(QWidget* parent) : QWidget(parent) { setFixedSize(1, 1); }
-  QSize sizeHint() const override { return size(); }
-
-  QImageCanvas* Surface() { return canvas_.get(); }
-  // A new, blank surface when the size changes; the same one otherwise.
-  QImageCanvas& Resize(QSize size) {
-    if (!canvas_ || canvas_->Image().size() != size) {
-      canvas_ = std::make_unique<QImageCanvas>(size.width(), size.height());
-      canvas_->onRefresh = [this] { update(); };
-      setFixedSize(size);
-      update();
-    }
-    return *canvas_;
-  }
-
-  std::function<void(QMouseEvent*)> onMouse;
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    if (canvas_) QPainter(this).drawImage(0, 0, canvas_->Image());
-  }
-  void mousePressEvent(QMouseEvent* event) override { Forward(event); }
-  void mouseMoveEvent(QMouseEvent* event) override { Forward(event); }
-  void mouseReleaseEvent(QMouseEvent* event) override { Forward(event); }
-
- private:
-  void Forward(QMouseEvent* event) {
-    if (canvas_ && onMouse) onMouse(event);
-  }
-
-  std::unique_ptr<QImageCanvas> canvas_;
-};
 
 namespace {
 
@@ -202,7 +166,9 @@ QWidget* AnalyseWindow::BuildMap() {
   map_->onMouse = [this](QMouseEvent* event) { OnMapMouse(event); };
   referenceBox_ = new Outline(map_);
   Overlay(referenceBox_, "ReferenceBox");
-  new RubberOverlay(controller_, map_);
+  new RubberOverlay(controller_.Controls(), map_, [this](double x, double y) {
+    return QPointF(x * controller_.View.Zoom, y * controller_.View.Zoom);
+  });
 
   scroll_ = new QScrollArea(area);
   scroll_->setAlignment(Qt::AlignCenter);

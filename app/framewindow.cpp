@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "analysewindow.h"
+#include "areawindow.h"
 #include "collectorwindow.h"
 #include "managejobswindow.h"
 #include "miseendonnewindow.h"
@@ -26,30 +27,10 @@ struct NamedCaption {
 constexpr NamedCaption kCommands[] = {
     {"Command1(0)", "Input Data"}, {"Command1(1)", "Manage Jobs"}, {"Command1(2)", "Analyse"}};
 
-// Tool windows not built yet, with the caption of the command that leads to them.
-constexpr NamedCaption kPendingTools[] = {{"AreaForm", "Input Data"}};
-
-// Stands in for a tool window: it fills the client area, covering Pub as the tool would.
-QWidget* ToolPlaceholder(const NamedCaption& tool, QWidget* parent) {
-  auto* panel = new QFrame(parent);
-  panel->setObjectName(QLatin1String(tool.name));
-  panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-  panel->setBackgroundRole(QPalette::Window);
-  panel->setAutoFillBackground(true);
-  auto* layout = new QVBoxLayout(panel);
-  layout->addStretch(1);
-  layout->addWidget(CentredCaption(QLatin1String(tool.caption), 16, true, panel));
-  auto* note = new QLabel(QStringLiteral("This tool comes in a later release."), panel);
-  note->setAlignment(Qt::AlignCenter);
-  layout->addWidget(note);
-  layout->addStretch(1);
-  return panel;
-}
-
 }  // namespace
 
 FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
-                         MiseEnDonne& input, NewAnalyse& analyse)
+                         MiseEnDonne& input, AreaForm& area, NewAnalyse& analyse)
     : controller_(controller), controls_(controls) {
   setObjectName(QStringLiteral("MDIForm1"));
   setMinimumSize(MDIForm1::kMinWidth, MDIForm1::kMinHeight);
@@ -58,7 +39,7 @@ FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param&
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(BuildCommandBar());
-  layout->addWidget(BuildClientArea(jobs, input, analyse), 1);
+  layout->addWidget(BuildClientArea(jobs, input, area, analyse), 1);
   setCentralWidget(central);
   BuildStatusArea();
   // The parameters float over the frame, beside the tool that opens them.
@@ -90,7 +71,7 @@ QWidget* FrameWindow::BuildCommandBar() {
   return bar;
 }
 
-QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, NewAnalyse& analyse) {
+QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, AreaForm& area, NewAnalyse& analyse) {
   client_ = new QWidget(this);
   client_->setBackgroundRole(QPalette::Dark);
   client_->setAutoFillBackground(true);
@@ -104,7 +85,7 @@ QWidget* FrameWindow::BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, NewA
   layout->addWidget(new ManageJobsWindow(jobs, client_), 0, 0, Qt::AlignCenter);
   layout->addWidget(new MiseEnDonneWindow(input, client_), 0, 0, Qt::AlignCenter);
   layout->addWidget(new AnalyseWindow(analyse, client_), 0, 0);
-  for (const NamedCaption& tool : kPendingTools) layout->addWidget(ToolPlaceholder(tool, client_), 0, 0);
+  layout->addWidget(new AreaWindow(area, client_), 0, 0);
   return client_;
 }
 

@@ -12,6 +12,7 @@
 #include "batch/miseendonne.h"
 #include "registrybinding.h"
 #include "frame/mdiform.h"
+#include "setup/areaform.h"
 #include "setup/param.h"
 
 namespace tessiva {
@@ -21,7 +22,7 @@ class FrameWindow : public QMainWindow {
 
  public:
   FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
-              MiseEnDonne& input, NewAnalyse& analyse);
+              MiseEnDonne& input, AreaForm& area, NewAnalyse& analyse);
   ~FrameWindow() override;
 
   // Size and place from the controller's bounds of "MDIForm1", on a screen whose
@@ -35,7 +36,7 @@ class FrameWindow : public QMainWindow {
 
  private:
   QWidget* BuildCommandBar();
-  QWidget* BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, NewAnalyse& analyse);
+  QWidget* BuildClientArea(ManageJobs& jobs, MiseEnDonne& input, AreaForm& area, NewAnalyse& analyse);
   void BuildStatusArea();
   void OnClicked(const std::string& name);
 

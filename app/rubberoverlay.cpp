@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-#include "analysis/newanalyse.h"
+#include "ui/controls.h"
 
 namespace tessiva {
 namespace {
@@ -13,12 +13,9 @@ namespace {
 // The halo under the rubber's dashes: a white pen this wide.
 constexpr int kHalo = 3;
 
-// The ends of the line, or two opposite corners of the box, on the map:
-// picture pixel p lies at p times the zoom.
-std::pair<QPointF, QPointF> Ends(const ControlState& rubber, double zoom) {
-  const QPointF first(rubber.left * zoom, rubber.top * zoom);
-  const QPointF second((rubber.left + rubber.width) * zoom, (rubber.top + rubber.height) * zoom);
-  return {first, second};
+// The ends of the line, or two opposite corners of the box, on the view.
+std::pair<QPointF, QPointF> Ends(const ControlState& rubber, const RubberOverlay::ToView& toView) {
+  return {toView(rubber.left, rubber.top), toView(rubber.left + rubber.width, rubber.top + rubber.height)};
 }
 
 // Dashes over a white halo, seen on any colour of the map.
@@ -37,21 +34,23 @@ bool Shown(const ControlRegistry& controls, const char* rubber) {
 
 }  // namespace
 
-RubberOverlay::RubberOverlay(NewAnalyse& controller, QWidget* map) : QWidget(map), controller_(controller) {
+RubberOverlay::RubberOverlay(ControlRegistry& controls, QWidget* view, ToView toView)
+    : QWidget(view), controls_(controls), toView_(std::move(toView)) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
-  setGeometry(map->rect());
-  map->installEventFilter(this);
-  subscription_ = controller_.Controls().Subscribe([this](const std::string& name, const ControlState& state) {
+  setGeometry(view->rect());
+  view->installEventFilter(this);
+  subscription_ = controls_.Subscribe([this](const std::string& name, const ControlState& state) {
     if (name == "Line1") OnChange(line_, state);
     if (name == "Shape1") OnChange(shape_, state);
+    if (name == "Shape3") OnChange(circle_, state);
   });
 }
 
-RubberOverlay::~RubberOverlay() { controller_.Controls().Unsubscribe(subscription_); }
+RubberOverlay::~RubberOverlay() { controls_.Unsubscribe(subscription_); }
 
 QRect RubberOverlay::Extent(const ControlState& rubber) const {
   if (!rubber.visible) return {};
-  const auto [a, b] = Ends(rubber, controller_.View.Zoom);
+  const auto [a, b] = Ends(rubber, toView_);
   return QRectF(a, b).normalized().toAlignedRect().adjusted(-kHalo, -kHalo, kHalo, kHalo);
 }
 
@@ -64,21 +63,24 @@ void RubberOverlay::OnChange(QRect& painted, const ControlState& rubber) {
 
 void RubberOverlay::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  const ControlRegistry& controls = controller_.Controls();
-  const double zoom = controller_.View.Zoom;
+  const ControlRegistry& controls = controls_;
   // Lines through pixel centres stay one pixel wide.
   const QPointF centre(0.5, 0.5);
   if (const ControlState& line = controls.Get("Line1"); Shown(controls, "Line1")) {
-    const auto [a, b] = Ends(line, zoom);
+    const auto [a, b] = Ends(line, toView_);
     DrawRubber(painter, [&] { painter.drawLine(a + centre, b + centre); });
   }
   if (const ControlState& shape = controls.Get("Shape1"); Shown(controls, "Shape1")) {
-    const auto [a, b] = Ends(shape, zoom);
+    const auto [a, b] = Ends(shape, toView_);
     DrawRubber(painter, [&] { painter.drawRect(QRectF(a + centre, b + centre).normalized()); });
+  }
+  if (const ControlState& circle = controls.Get("Shape3"); Shown(controls, "Shape3")) {
+    const auto [a, b] = Ends(circle, toView_);
+    DrawRubber(painter, [&] { painter.drawEllipse(QRectF(a + centre, b + centre).normalized()); });
   }
 }
 
-// The overlay covers the map whatever its size.
+// The overlay covers the view whatever its size.
 bool RubberOverlay::eventFilter(QObject* watched, QEvent* event) {
   if (watched == parent() && event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
   return QWidget::eventFilter(watched, event);

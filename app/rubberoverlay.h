@@ -1,21 +1,27 @@
-// The rubbers of the picking tools over the map: the line Line1 (a line,
-// slider or gauge being dragged) and the box Shape1 (a rectangle or a
-// rosette). The controller places them in the registry in picture pixels;
-// the overlay covers the map, draws them at the view's zoom and lets the
-// pointer through to the map.
+// The rubbers of the drawing and picking tools over a picture view: the line
+// Line1 (a line, slider or gauge being dragged) and the box Shape1 (a
+// rectangle or a rosette). The controller places them in its registry in
+// picture pixels; the overlay covers the view, draws them where the view
+// shows those pixels and lets the pointer through to the view.
+// The crack tool's circle Shape3 is drawn in the square of its bounds.
 #pragma once
 
+#include <QPointF>
 #include <QRect>
 #include <QWidget>
+#include <functional>
 
 namespace tessiva {
 
-class NewAnalyse;
+class ControlRegistry;
 struct ControlState;
 
 class RubberOverlay : public QWidget {
  public:
-  RubberOverlay(NewAnalyse& controller, QWidget* map);
+  // Where the view shows a point given in picture pixels, in the view's pixels.
+  using ToView = std::function<QPointF(double x, double y)>;
+
+  RubberOverlay(ControlRegistry& controls, QWidget* view, ToView toView);
   ~RubberOverlay() override;
 
  protected:
@@ -27,9 +33,11 @@ class RubberOverlay : public QWidget {
   QRect Extent(const ControlState& rubber) const;
   void OnChange(QRect& painted, const ControlState& rubber);
 
-  NewAnalyse& controller_;
+  ControlRegistry& controls_;
+  ToView toView_;
   QRect line_;
   QRect shape_;
+  QRect circle_;
   int subscription_ = 0;
 };
 

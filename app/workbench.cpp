@@ -7,7 +7,7 @@
 namespace tessiva {
 
 Workbench::Workbench()
-    : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_, input_, analyse_)) {
+    : window_(std::make_unique<FrameWindow>(frame_, frameControls_, param_, jobs_, input_, area_, analyse_)) {
   ui_.SetDialogParent(window_.get());
 }
 

@@ -14,6 +14,7 @@
 #include "qtui.h"
 #include "state/appstate.h"
 #include "frame/mdiform.h"
+#include "setup/areaform.h"
 #include "setup/param.h"
 
 namespace tessiva {
@@ -31,6 +32,7 @@ class Workbench {
   ControlRegistry& FrameControls() { return frameControls_; }
   FrameWindow& Window() { return *window_; }
   NewAnalyse& Analyse() { return analyse_; }
+  AreaForm& Area() { return area_; }
 
  private:
   AppState state_;
@@ -40,6 +42,7 @@ class Workbench {
   Param param_{state_};
   ManageJobs jobs_{state_, ui_};
   MiseEnDonne input_{state_, ui_};
+  AreaForm area_{state_, ui_, param_};
   NewAnalyse analyse_{state_, ui_, param_};
   std::unique_ptr<FrameWindow> window_;
 };

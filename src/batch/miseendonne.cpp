@@ -308,7 +308,12 @@ SequenceMembers MiseEnDonne::Members() const {
 
 void MiseEnDonne::OnCommand1() {
   Guarded([&] {
-    if (!SauveSeq(s_, Members())) {
+    const auto mayReplace = [this](const std::string& path) {
+      return ui_.MessageBox("The data file " + path + " already holds areas of interest or start points.\n" +
+                                "Do you want to replace it by a new one ?",
+                            "WARNING", MsgButtons::YesNo, MsgIcon::Question) == MsgAnswer::Yes;
+    };
+    if (!SauveSeq(s_, Members(), mayReplace)) {
       ui_.MessageBox("Can't write " + s_.FileName, "", MsgButtons::Ok, MsgIcon::Critical);
       return;
     }

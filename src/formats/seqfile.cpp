@@ -12,7 +12,13 @@ namespace tessiva {
 namespace {
 
 // Writes every member's stub and returns the sequence file's lines.
-std::optional<std::string> WriteMemberStubs(AppState& s, const SequenceMembers& m) {
+// A stub goes where no setup would be lost, or where the user agrees to lose it.
+bool WriteStub(const std::string& path, const std::string& text, const ReplaceQuestion& mayReplace) {
+  if (mayReplace && HoldsSetup(path) && !mayReplace(path)) return true;
+  return WriteFileAtomically(path, text);
+}
+
+std::optional<std::string> WriteMemberStubs(AppState& s, const SequenceMembers& m, const ReplaceQuestion& mayReplace) {
   const bool incremental = s.SeqRefChange != 0;
   std::string lines;
   std::string previousStem;
@@ -29,7 +35,7 @@ std::optional<std::string> WriteMemberStubs(AppState& s, const SequenceMembers& 
     const bool linked = incremental && i > 1;
     if (linked) s.ResultFrom = previousStem + ".res";
     const IncrementalLink link{s.PicRefName, s.ResultFrom};
-    if (!WriteFileAtomically(s.DataFile, StubText(s.Title, refName, deformed, linked ? &link : nullptr)))
+    if (!WriteStub(s.DataFile, StubText(s.Title, refName, deformed, linked ? &link : nullptr), mayReplace))
       return std::nullopt;
     previousStem = stem;
   }
@@ -65,11 +71,18 @@ std::string StubText(std::string_view version, const std::string& ref, const std
   return out;
 }
 
-bool SauveSeq(AppState& s, const SequenceMembers& members) {
+bool HoldsSetup(const std::string& path) {
+  const KeyFile keys = KeyFile::Load(path);
+  for (const char* section : {"OUTLINES", "GAGES", "STARTPOINTS"})
+    if (keys.Int(section, "Number", 0) > 0) return true;
+  return false;
+}
+
+bool SauveSeq(AppState& s, const SequenceMembers& members, const ReplaceQuestion& mayReplace) {
   if (members.FromFile) return true;
-  if (s.NbSeq <= 1) return WriteFileAtomically(s.FileName, StubText(s.Title, s.PicRefName, s.PicDefName, nullptr));
+  if (s.NbSeq <= 1) return WriteStub(s.FileName, StubText(s.Title, s.PicRefName, s.PicDefName, nullptr), mayReplace);
   if (members.FicDefText.size() <= At(s.NbSeq) || members.FicDefTag.size() <= At(s.NbSeq)) return false;
-  const auto lines = WriteMemberStubs(s, members);
+  const auto lines = WriteMemberStubs(s, members, mayReplace);
   return lines && WriteFileAtomically(s.FileName, *lines);
 }
 

@@ -39,12 +39,22 @@ struct SequenceMembers {
   std::vector<std::string> FicDefTag{""};
 };
 
+// Whether a data file on disk holds areas of interest, gauges or start points,
+// which a stub in its place would lose.
+bool HoldsSetup(const std::string& path);
+
+// Asked before a stub replaces a data file that holds a setup (HoldsSetup);
+// false keeps the file as it is.
+using ReplaceQuestion = std::function<bool(const std::string& path)>;
+
 // Writes the sequence file FileName and a stub data file per member, or, for
 // a single pair, FileName as that one stub. Sequential members share PicRef;
 // incremental ones compare each picture with the one before and name the
-// previous result in [INCREMENTAL] ResultFrom. Returns false when a file
-// could not be written; nothing is written for a sequence opened from a file.
-bool SauveSeq(AppState& s, const SequenceMembers& members);
+// previous result in [INCREMENTAL] ResultFrom. A data file that holds a setup
+// is replaced only when mayReplace agrees (without it, always). Returns false
+// when a file could not be written; nothing is written for a sequence opened
+// from a file.
+bool SauveSeq(AppState& s, const SequenceMembers& members, const ReplaceQuestion& mayReplace = {});
 
 // Whether a sequence lists its data files or, for the analysis, their results.
 enum class MemberFiles { DataFiles, Results };

@@ -77,7 +77,7 @@ BandOffset BandOffsetFor(double x1, double y1, double x2, double y2, double half
   return {halfWidth * s / t, halfWidth / t};
 }
 
-Outline BandOutline(double x1, double y1, double x2, double y2, BandOffset m) {
+Outline BandAlong(double x1, double y1, double x2, double y2, BandOffset m) {
   const Vertex first = Rounded(x1 + m.mx, y1 + m.my);
   return {first, Rounded(x2 + m.mx, y2 + m.my), Rounded(x2 - m.mx, y2 - m.my), Rounded(x1 - m.mx, y1 - m.my), first};
 }
@@ -92,7 +92,7 @@ Outline RectangleOutline(double x1, double y1, double x2, double y2) {
 }
 
 Outline TraitOutline(double x1, double y1, double x2, double y2, int32_t lgrid) {
-  return BandOutline(x1, y1, x2, y2, BandOffsetFor(x1, y1, x2, y2, 4.0 * lgrid));
+  return BandAlong(x1, y1, x2, y2, BandOffsetFor(x1, y1, x2, y2, 4.0 * lgrid));
 }
 
 Outline DiscOutline(double cx, double cy, double radius, int points) {
@@ -115,7 +115,7 @@ std::vector<Outline> GaugeOutlines(int32_t x1, int32_t y1, int32_t x2, int32_t y
 
 std::array<Outline, 2> CrackOutlines(double x1, double y1, double x2, double y2, int32_t lpas, double klarg) {
   return {DiscOutline(x1, y1, Distance(x1, y1, x2, y2), kCrackDiscPoints),
-          BandOutline(x1, y1, x2, y2, BandOffsetFor(x1, y1, x2, y2, klarg * lpas))};
+          BandAlong(x1, y1, x2, y2, BandOffsetFor(x1, y1, x2, y2, klarg * lpas))};
 }
 
 Vertex NeckPoint(const Outline& band, double px, double py) {
@@ -147,7 +147,7 @@ std::array<Outline, 2> NeckStrips(const Outline& band, Vertex neck, int32_t lpas
     minusY = neck.y - Sign(m.ya - m.yb) * lpas;
   }
   const BandOffset offset = BandOffsetFor(m.xa, m.ya, m.xb, m.yb, 4.0 * lgrid);
-  return {BandOutline(m.xa, m.ya, plusX, plusY, offset), BandOutline(minusX, minusY, m.xb, m.yb, offset)};
+  return {BandAlong(m.xa, m.ya, plusX, plusY, offset), BandAlong(minusX, minusY, m.xb, m.yb, offset)};
 }
 
 void StoreGaugeAreas(AppState& s, const Gage& g, int32_t tag) {

@@ -36,7 +36,7 @@ struct BandOffset {
 };
 BandOffset BandOffsetFor(double x1, double y1, double x2, double y2, double halfWidth);
 // The 5-point band A + M, B + M, B - M, A - M, A + M, rounded.
-Outline BandOutline(double x1, double y1, double x2, double y2, BandOffset m);
+Outline BandAlong(double x1, double y1, double x2, double y2, BandOffset m);
 
 // `allselect`: the picture less a margin of 15 pixels.
 Outline AllSelectOutline(int32_t lima, int32_t hima);

@@ -277,6 +277,34 @@ TEST_F(InputFixture, StartWritesTheSequenceAndOpensTheSetup) {
   EXPECT_TRUE(ui.Messages().empty());
 }
 
+TEST_F(InputFixture, StartAsksBeforeAStubReplacesADataFileHoldingASetup) {
+  struct Case {
+    const char* existing;
+    std::vector<MsgAnswer> answers;
+    bool asks;
+    bool replaced;
+  };
+  const Case cases[] = {
+      {"[PICTURES]\nPicRef=ref.bmp\n[OUTLINES]\nNumber=1\n", {MsgAnswer::No}, true, false},
+      {"[STARTPOINTS]\nNumber=2\n", {MsgAnswer::Yes}, true, true},
+      {"[GAGES]\nNumber=1\n", {}, true, false},  // a box closed without answer keeps the file
+      {"[OUTLINES]\nNumber=0\n[STARTPOINTS]\nNumber=0\n", {}, false, true},  // nothing to lose
+  };
+  for (const Case& c : cases) {
+    dir.Write("ref-d.don", c.existing);
+    ui.log.clear();
+    ui.messageAnswers.assign(c.answers.begin(), c.answers.end());
+    input.Load();
+    Pick("Rp", {"ref.bmp"});
+    Pick("Dp", {"d.bmp"});
+    input.OnCommand1();
+    ASSERT_EQ(ui.Messages().size(), c.asks ? 1u : 0u) << c.existing;
+    if (c.asks) EXPECT_NE(ui.Messages()[0].find(P("ref-d.don")), std::string::npos);
+    EXPECT_EQ(dir.Read("ref-d.don") != c.existing, c.replaced) << c.existing;
+    EXPECT_TRUE(frameControls.Visible("AreaForm"));
+  }
+}
+
 TEST_F(InputFixture, EditButtonOpensTheFileInTheEditor) {
   Pick("Rp", {"ref.bmp"});
   Pick("Dp", {"d.bmp"});

@@ -6,5 +6,6 @@ int main(int argc, char** argv) {
   QApplication app(argc, argv);
   int failed = RunQtPortTests(argc, argv);
   failed += RunWindowFlows(argc, argv);
+  failed += RunSetupWindowFlows(argc, argv);
   return failed == 0 ? 0 : 1;
 }

@@ -3,3 +3,4 @@
 
 int RunQtPortTests(int argc, char** argv);
 int RunWindowFlows(int argc, char** argv);
+int RunSetupWindowFlows(int argc, char** argv);
