@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
 #include <QToolButton>
@@ -163,7 +164,7 @@ AnalyseToolbar::AnalyseToolbar(NewAnalyse& controller, QWidget* parent)
   // The parameters open as a view from the setup window only, so far.
   AddKey(1, "Parametre", "Show Parameters Windows", false)->setEnabled(false);
   addSeparator();
-  AddKey(kSectionToolButton, "CLF", "FLC Analysis", true);
+  AddSectionMenu(AddKey(kSectionToolButton, "CLF", "FLC Analysis", true));
   for (const PickToolKey& tool : PickToolKeys()) AddKey(tool.button, tool.key, tool.tip, true);
   addSeparator();
   AddNames();
@@ -188,6 +189,22 @@ QToolButton* AnalyseToolbar::AddKey(int index, std::string_view key, std::string
       controller_.OnToolbar1Click(name);
   });
   return button;
+}
+
+// The section key arms its last mode; its menu chooses the forming-limit
+// section or the crack, and the key's tip names the one chosen.
+void AnalyseToolbar::AddSectionMenu(QToolButton* key) {
+  auto* menu = new QMenu(key);
+  const auto add = [this, key, menu](const QString& tip, SectionKind kind) {
+    connect(menu->addAction(tip), &QAction::triggered, this, [this, key, tip, kind] {
+      key->setToolTip(tip);
+      controller_.ArmSectionTool(kind);
+    });
+  };
+  add(QStringLiteral("FLC Analysis"), SectionKind::FormingLimit);
+  add(QStringLiteral("KI Analysis"), SectionKind::Crack);
+  key->setMenu(menu);
+  key->setPopupMode(QToolButton::MenuButtonPopup);
 }
 
 // The names list: typed text enables SaveAOS, Enter stores under it, a

@@ -31,6 +31,7 @@ class AnalyseToolbar : public QToolBar {
 
  private:
   QToolButton* AddKey(int index, std::string_view key, std::string_view tip, bool pressable);
+  void AddSectionMenu(QToolButton* key);
   void AddNames();
   // The Delete key on Combo1 takes the entry in its text, or the one
   // highlighted in its open list, off the list.

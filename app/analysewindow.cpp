@@ -6,6 +6,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHideEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -163,6 +164,9 @@ QWidget* AnalyseWindow::BuildMap() {
   map_ = new CanvasView(area);
   map_->setObjectName(QStringLiteral("PicAna"));
   map_->setMouseTracking(true);
+  // Keys typed on the map go to the armed tool ("+" and "-" step the crack tool's band).
+  map_->setFocusPolicy(Qt::ClickFocus);
+  map_->installEventFilter(this);
   map_->onMouse = [this](QMouseEvent* event) { OnMapMouse(event); };
   referenceBox_ = new Outline(map_);
   Overlay(referenceBox_, "ReferenceBox");
@@ -388,6 +392,10 @@ void AnalyseWindow::PlaceReferenceBox() {
 }
 
 bool AnalyseWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == map_ && event->type() == QEvent::KeyPress) {
+    const QString typed = static_cast<QKeyEvent*>(event)->text();
+    if (typed.size() == 1) controller_.OnPicAnaKey(typed.at(0).toLatin1());
+  }
   if (event->type() == QEvent::MouseButtonRelease && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
     if (watched == scaleLabels_[0]) controller_.LabEchelle(0);
     if (watched == scaleLabels_[1]) controller_.LabEchelle(4);

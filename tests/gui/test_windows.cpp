@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -89,6 +90,7 @@ class WindowFlows : public QObject {
   void cancelledAnalyseLeavesTheFrameEmpty();
   void analyseMapsTheResultAndSwitchesField();
   void pickedPointAndLineFillTheCollectorUntilItCloses();
+  void crackToolChosenFromTheSectionMenuMeasuresADrag();
   void startWithoutSolverPathTellsAndFails();
   void enteredPatternSizesComeBackClamped();
   void queuedJobStartsTheSolverOnItsDirectory();
@@ -182,6 +184,48 @@ QList<double> RowNumbers(const QString& row, int first) {
 
 // On the field u = 0.01 x: a point, then a line, picked on the map, write
 // their rows into the collector window; closing it ends the picking.
+// "KI Analysis" on the section key's menu arms the crack tool: the drag shows
+// the line and the ring, keys typed on the map step the band, and the
+// release writes the crack's row and draws its overlay.
+void WindowFlows::crackToolChosenFromTheSectionMenuMeasuresADrag() {
+  QTemporaryDir dir;
+  Workbench workbench;
+  QWidget* window = AnalyseLinearField(dir, workbench);
+  QVERIFY(window);
+  QTRY_VERIFY(!workbench.Analyse().Controls().Checked("Timer1"));
+  auto* map = window->findChild<QWidget*>(QStringLiteral("PicAna"));
+  auto* section = window->findChild<QToolButton*>(QStringLiteral("Toolbar1.Button3"));
+  QVERIFY(section && section->menu());
+  const QList<QAction*> modes = section->menu()->actions();
+  QCOMPARE(modes.size(), 2);
+  QCOMPARE(modes[1]->text(), QStringLiteral("KI Analysis"));
+  modes[1]->trigger();
+  QVERIFY(section->isChecked());
+  QCOMPARE(section->toolTip(), QStringLiteral("KI Analysis"));
+
+  tessiva::AppState& s = workbench.State();
+  QTest::keyClick(map, Qt::Key_Plus);
+  QCOMPARE(s.Klarg, 4.0);
+  // From the tip at picture (100, 40) back to the start at (50, 40); the map shows 0.8 of each pixel.
+  QTest::mousePress(map, Qt::LeftButton, {}, QPoint(80, 32));
+  QTest::mouseMove(map, QPoint(40, 32));
+  const tessiva::ControlRegistry& controls = workbench.Analyse().Controls();
+  QVERIFY(controls.Visible("Line1") && controls.Visible("Shape3"));
+  QCOMPARE(controls.Get("Shape3").width, 100);
+  const QImage dragging = window->grab().toImage();
+  QTest::mouseRelease(map, Qt::LeftButton, {}, QPoint(40, 32));
+  QVERIFY(!controls.Visible("Shape3"));
+  QVERIFY(s.FissureOn);
+  QCOMPARE(s.RayonFissure, 50.0);
+  auto* text = workbench.Window().findChild<QWidget*>(QStringLiteral("Info"))->findChild<QPlainTextEdit*>(
+      QStringLiteral("DataText"));
+  const QStringList lines = text->toPlainText().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  QCOMPARE(lines.size(), 3);
+  QVERIFY2(lines[2].startsWith(QStringLiteral("linear.res\t")), qPrintable(lines[2]));
+  const QImage drawn = window->grab().toImage();
+  QVERIFY(drawn != dragging);
+}
+
 void WindowFlows::pickedPointAndLineFillTheCollectorUntilItCloses() {
   QTemporaryDir dir;
   Workbench workbench;
