@@ -71,6 +71,13 @@ Vec2 InverseMap(const FieldSpec& f, double x, double y) {
   return X;
 }
 
+bool Lands(const FieldSpec& f, Vec2 X, double x, double y) {
+  // Far below what a picture resolves, far above what the iteration leaves.
+  constexpr double kMiss = 1e-4;
+  const Vec2 d = Displacement(f, X.u, X.v);
+  return std::hypot(X.u + d.u - x, X.v + d.v - y) < kMiss;
+}
+
 std::optional<FieldKind> FieldKindNamed(const std::string& name) {
   for (int k = 0; k < 8; ++k)
     if (name == kNames[k]) return static_cast<FieldKind>(k);

@@ -62,7 +62,8 @@ std::vector<uint8_t> Render(const Speckle& speckle, const SpeckleSettings& st, c
           // Sub-samples spread over the pixel's area, centred on its whole coordinates.
           const double x = px + (i + 0.5) / n - 0.5, y = py + (j + 0.5) / n - 0.5;
           const Vec2 X = field ? InverseMap(*field, x, y) : Vec2{x, y};
-          sum += !field || Material(*field, X.u, X.v) ? speckle.At(X.u, X.v) : kFlatGrey;
+          const bool material = !field || (Material(*field, X.u, X.v) && Lands(*field, X, x, y));
+          sum += material ? speckle.At(X.u, X.v) : kFlatGrey;
         }
       double level = sum / (n * n);
       if (st.noiseSigma > 0.0) level += noise(rng);

@@ -12,6 +12,22 @@
 namespace tessiva {
 namespace {
 
+// Behind the tip the faces open: no material point lands between them.
+TEST(CrackTipPictures, TheGapBetweenTheOpenedFacesIsNoMaterial) {
+  synth::FieldSpec field{synth::FieldKind::CrackTip, 0.5};
+  field.cx = field.cy = 64;
+  // 50 pixels behind the tip each face has moved 5 pixels off the crack's line.
+  struct Case {
+    double x, y;
+    bool material;
+  };
+  for (const Case c : {Case{14, 64, false}, {14, 62, false}, {14, 72, true}, {14, 55, true}, {100, 64, true},
+                       {64, 90, true}}) {
+    const synth::Vec2 from = synth::InverseMap(field, c.x, c.y);
+    EXPECT_EQ(synth::Lands(field, from, c.x, c.y), c.material) << c.x << ", " << c.y;
+  }
+}
+
 TEST(CrackTipPictures, KIOfTheSolvedFieldIsTheOneImposed) {
   testing::TempDir dir;
   synth::SpeckleSettings pictures;
