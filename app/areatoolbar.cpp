@@ -27,13 +27,18 @@ QString IconName(int bar, const ToolbarButton& button) {
   return QString::fromUtf8(button.key.data(), static_cast<qsizetype>(button.key.size()));
 }
 
-QLabel* Hand(const char* name, QWidget* parent) {
-  auto* hand = new QLabel(parent);
+// A blinking hand in a holder of its size: a tool bar shows or hides the
+// widgets it holds only through their actions, so the hand blinks inside it.
+QWidget* Hand(const char* name, QWidget* parent) {
+  auto* holder = new QWidget(parent);
+  holder->setFixedSize(28, 28);
+  auto* hand = new QLabel(holder);
   hand->setObjectName(QLatin1String(name));
   hand->setPixmap(SvgIcon(QStringLiteral("hand")).pixmap(24, 24));
+  hand->setGeometry(2, 2, 24, 24);
   hand->setToolTip(QStringLiteral("Follow the blinking hand"));
   hand->hide();
-  return hand;
+  return holder;
 }
 
 }  // namespace
@@ -58,7 +63,7 @@ EditableList::EditableList(ControlRegistry& controls, const char* name, Actions 
   setObjectName(QLatin1String(name));
   setEditable(true);
   setInsertPolicy(QComboBox::NoInsert);
-  setMinimumContentsLength(14);
+  setMinimumContentsLength(20);
   MirrorList(this, controls_.Get(name_));
   subscription_ = controls_.Subscribe([this](const std::string& changed, const ControlState& state) {
     if (changed == name_) MirrorList(this, state);

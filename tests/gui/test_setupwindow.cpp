@@ -146,6 +146,7 @@ void SetupWindowFlows::wholeRoadGivesTheSyntheticTruth() {
   area->findChild<QToolButton*>(QStringLiteral("Toolbar2.Button8"))->click();
   Drag(ref, 20, 20, 140, 100);
   QVERIFY(start->isEnabled());
+  QVERIFY(area->findChild<QLabel*>(QStringLiteral("FlashInfo"))->isVisible());
   start->click();
   QVERIFY(!area->findChild<QToolButton*>(QStringLiteral("Toolbar2.Button8"))->isEnabled());
   Pointer(ref, QEvent::MouseButtonPress, 80, 60, Qt::LeftButton);

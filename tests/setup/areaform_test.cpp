@@ -12,6 +12,7 @@
 #include "formats/sections.h"
 #include "formats/seqfile.h"
 #include "setup/areafiles.h"
+#include "setup/areas.h"
 #include "setup/areatoolbar.h"
 #include "state/keyfile.h"
 #include "ui/pointer.h"
@@ -110,6 +111,48 @@ TEST(AreaFormPointer, RectangleToolFollowsThePointerAndStoresOnlyDragsAboveTheFl
   EXPECT_EQ(w.frame.Text("Label2"),
             " (12, 40) G=" + Format(w.s.PixRef(12, 40), "000") + "  X=" + Format(6.35, "0.000") + " Y=" +
                 Format(20.1, "0.000"));
+}
+
+// Each drawing button gives its tool: the areas a drag lays, and the gauge it records.
+TEST(AreaFormPointer, EachToolButtonDrawsItsOwnShape) {
+  struct Case {
+    int button;
+    int areas;      // areas added by the drag from (40, 40) to (100, 40)
+    int gaugeType;  // -1: no gauge
+  };
+  const Case cases[] = {
+      {2, 2, kSlider}, {3, 2, kJauge}, {4, 4, kRosette}, {6, 2, -1}, {7, 1, -1}, {8, 1, -1},
+  };
+  for (const Case& c : cases) {
+    SequenceWindow w({{0, 0}});
+    w.DragOnRef(c.button, 40, 40, 100, 40);
+    EXPECT_EQ(w.s.NbBox - 1, c.areas) << c.button;
+    EXPECT_EQ(w.form.Gages().Count(), c.gaugeType < 0 ? 0 : 1) << c.button;
+    if (c.gaugeType >= 0) EXPECT_EQ(w.form.Gages().Get(1).type, c.gaugeType) << c.button;
+    EXPECT_EQ(w.s.FissureOn, c.button == kCrackButton) << c.button;
+  }
+}
+
+TEST(AreaFormPointer, FormingLimitBandThenNeckClickAndFreeHandClicks) {
+  SequenceWindow w({{0, 0}});
+  w.DragOnRef(kClfButton, 20, 60, 140, 60);
+  ASSERT_EQ(w.s.NbBox, 2);
+  // The marker across the band follows the pointer, and the click splits the band at the neck.
+  w.form.OnPicRefMouseMove(0, 0, 70, 63);
+  const ControlState& marker = w.form.Controls().Get("Line1");
+  EXPECT_EQ((std::array{marker.visible, marker.left + marker.width / 2 == 70, marker.width == 0}),
+            (std::array{true, true, true}));
+  w.ClickRef(70, 63);
+  EXPECT_EQ(w.s.NbBox, 3);
+  EXPECT_TRUE(w.s.ClfMode);
+  EXPECT_EQ(std::tie(w.s.xstrict, w.s.ystrict), std::tuple(70, 60));
+
+  // A free shape: three clicks, then one near the first closes a triangle.
+  SequenceWindow f({{0, 0}});
+  f.Toolbar2(9, true);
+  for (const auto [x, y] : {std::pair{30, 30}, {120, 30}, {80, 100}, {33, 32}}) f.ClickRef(x, y);
+  EXPECT_EQ(f.s.NbBox, 2);
+  EXPECT_EQ(f.s.Nbox[1], 4);
 }
 
 TEST(AreaFormStartPoints, ClicksOnTheReferenceAndDeformedViews) {
