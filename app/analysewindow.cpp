@@ -22,6 +22,7 @@
 #include <initializer_list>
 
 #include "analysetoolbar.h"
+#include "flcpanel.h"
 #include "canvasview.h"
 #include "qimagecanvas.h"
 #include "rubberoverlay.h"
@@ -110,6 +111,7 @@ AnalyseWindow::AnalyseWindow(NewAnalyse& controller, QWidget* parent) : QFrame(p
   layout->addWidget(new AnalyseToolbar(controller_, this));
   auto* panes = new QHBoxLayout;
   panes->addWidget(BuildMap(), 1);
+  panes->addWidget(new FlcPanel(controller_, this));
   panes->addWidget(BuildSide());
   layout->addLayout(panes, 1);
 

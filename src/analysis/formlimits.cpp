@@ -241,6 +241,7 @@ void FormingLimits::OnFieldChosen(int32_t view) {
   SectionSide = 0;
   CheckOnly("Option1", 3, 0);
   if (!w_.Controls().Checked("OptionE(1)")) CheckOnly("OptionE", 2, 0);
+  CheckOnly("FlcMethod", 2, Method == FlcMethod::Iso12004 ? 1 : 0);
   CalculCLFEpsiNEW(0.5, w_.keepScale, w_.PickingTools().PickTool == kPickSection);
   AfficheCLFEpsiNEW();
 }

@@ -15,10 +15,12 @@ AreaForm::AreaForm(AppState& state, UiPort& ui, Param& param)
 
 bool AreaForm::LoadPictures() {
   if (!ChargePicArea(s_)) return false;
-  const std::string size = " (" + StrTrim(s_.PixRef.UpperX()) + "x" + StrTrim(s_.PixRef.UpperY()) + ")";
-  controls_.SetText("TitleRef", " " + s_.PicRefName + size);
-  controls_.SetText("TitleDef", " " + s_.PicDefName + " (" + StrTrim(s_.PixDef.UpperX()) + "x" +
-                                    StrTrim(s_.PixDef.UpperY()) + ")");
+  // Sizes go through Str, with its blank before a number: " name ( 640x 480)".
+  const auto title = [](const std::string& name, const GreyArray& pixels) {
+    return " " + name + " (" + Str(pixels.UpperX()) + "x" + Str(pixels.UpperY()) + ")";
+  };
+  controls_.SetText("TitleRef", title(s_.PicRefName, s_.PixRef));
+  controls_.SetText("TitleDef", title(s_.PicDefName, s_.PixDef));
   for (PictureView* view : {&refView_, &defView_}) {
     view->PicW = s_.PixRef.UpperX();
     view->PicH = s_.PixRef.UpperY();

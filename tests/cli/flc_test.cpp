@@ -6,42 +6,22 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numbers>
 
 #include "commands.h"
 #include "run.h"
 #include "state/numtext.h"
+#include "support/neckfield.h"
 #include "support/resultwriter.h"
 #include "support/tempdir.h"
 
 namespace tessiva::cli {
 namespace {
 
-using tessiva::testing::Displacement;
 using tessiva::testing::DisplacementField;
-
-constexpr double kPi = std::numbers::pi;
-// The neck stands at x = 130: a smooth major strain of 22 % there, and a
-// raised-cosine neck of `neck` % within 20 pixels of it, along x only.
-constexpr double kNeckAt = 130.0, kNeckHalfWidth = 20.0, kUndisturbed = 22.0;
-
-double HenckyPercent(double x, double neck) {
-  const double d = x - kNeckAt;
-  const double smooth = 20.0 + 2.0 * std::cos(2 * kPi * d / 200.0);
-  return smooth + (std::abs(d) < kNeckHalfWidth ? neck / 2 * (1 + std::cos(kPi * d / kNeckHalfWidth)) : 0.0);
-}
-
-// u(x) whose slope 1 + du/dx is exp(Hencky): the integral from 0, by the trapezoid rule.
-DisplacementField Neck(double neck) {
-  return [neck](double x, double) {
-    constexpr double h = 0.01;
-    double u = 0.0;
-    const auto slope = [neck](double at) { return std::exp(HenckyPercent(at, neck) / 100.0) - 1.0; };
-    const int steps = static_cast<int>(std::ceil(std::abs(x) / h));
-    for (int i = 0; i < steps; ++i) u += (slope(i * h) + slope((i + 1) * h)) / 2 * h;
-    return Displacement{u, 0.0};
-  };
-}
+using tessiva::testing::kNeckAt;
+using tessiva::testing::kNeckHalfWidth;
+using tessiva::testing::Neck;
+constexpr double kUndisturbed = tessiva::testing::kUndisturbedStrain;
 
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines = SplitText(text, "\n");

@@ -92,6 +92,8 @@ struct SequenceWindow : testing::EngineWindow {
 
 TEST(AreaFormPointer, RectangleToolFollowsThePointerAndStoresOnlyDragsAboveTheFloor) {
   SequenceWindow w({{0, 0}});
+  EXPECT_EQ(w.form.Controls().Text("TitleRef"), " ref.bmp ( 160x 120)");
+  EXPECT_EQ(w.form.Controls().Text("TitleDef"), " def1.bmp ( 160x 120)");
   w.Toolbar2(8, true);
   w.form.OnPicRefMouseDown(kLeftButton, 0, 20, 30);
   w.form.OnPicRefMouseMove(kLeftButton, 0, 60, 50);
