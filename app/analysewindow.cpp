@@ -24,6 +24,7 @@
 #include "analysetoolbar.h"
 #include "flcpanel.h"
 #include "canvasview.h"
+#include "flcpanel.h"
 #include "qimagecanvas.h"
 #include "rubberoverlay.h"
 
