@@ -22,7 +22,6 @@
 #include <initializer_list>
 
 #include "analysetoolbar.h"
-#include "flcpanel.h"
 #include "canvasview.h"
 #include "flcpanel.h"
 #include "qimagecanvas.h"
