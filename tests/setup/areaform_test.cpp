@@ -107,6 +107,13 @@ TEST(AreaFormPointer, RectangleToolFollowsThePointerAndStoresOnlyDragsAboveTheFl
   // 3 x Lpas is the floor: a drag of 29 pixels stores nothing.
   w.DragOnRef(8, 20, 30, 49, 30);
   EXPECT_EQ(w.s.NbBox, 2);
+  // A thin strip between two grid rows holds no pattern: the area stays, the start-point tool doesn't come.
+  SequenceWindow thin({{0, 0}});
+  thin.DragOnRef(8, 12, 12, 60, 18);
+  EXPECT_EQ(thin.s.NbBox, 2);
+  EXPECT_EQ(thin.s.NbPat, 0);
+  EXPECT_EQ(thin.Status(), " 0 patterns created");
+  EXPECT_FALSE(thin.form.Controls().Enabled(Toolbar2Control(kInitialSolutionButton)));
   // The readout: position, grey level of the reference picture and the position in units.
   w.s.UnitPX = w.s.UnitPY = 0.5;
   w.form.OnPicRefMouseMove(0, 0, 12.7, 40.2);
