@@ -12,7 +12,7 @@
 #include <QVBoxLayout>
 #include <functional>
 
-#include "areatoolbar.h"
+#include "areatoolbars.h"
 #include "canvasview.h"
 #include "rubberoverlay.h"
 

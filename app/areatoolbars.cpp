@@ -1,4 +1,4 @@
-#include "areatoolbar.h"
+#include "areatoolbars.h"
 
 #include <QAbstractItemView>
 #include <QKeyEvent>
