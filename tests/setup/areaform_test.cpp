@@ -114,6 +114,13 @@ TEST(AreaFormPointer, RectangleToolFollowsThePointerAndStoresOnlyDragsAboveTheFl
   EXPECT_EQ(thin.s.NbPat, 0);
   EXPECT_EQ(thin.Status(), " 0 patterns created");
   EXPECT_FALSE(thin.form.Controls().Enabled(Toolbar2Control(kInitialSolutionButton)));
+  // Ctrl with the left button pans the view: the picture follows the hand; no area is drawn.
+  const double left = w.refCanvas.ScaleLeft(), top = w.refCanvas.ScaleTop();
+  w.form.OnPicRefMouseDown(kLeftButton, kCtrlKey, 50, 50);
+  w.form.OnPicRefMouseMove(kLeftButton, kCtrlKey, 30, 40);
+  w.form.OnPicRefMouseUp(kLeftButton, kCtrlKey, 30, 40);
+  EXPECT_EQ(std::pair(w.refCanvas.ScaleLeft(), w.refCanvas.ScaleTop()), std::pair(left + 20, top + 10));
+  EXPECT_EQ(w.s.NbBox, 2);
   // The readout: position, grey level of the reference picture and the position in units.
   w.s.UnitPX = w.s.UnitPY = 0.5;
   w.form.OnPicRefMouseMove(0, 0, 12.7, 40.2);
