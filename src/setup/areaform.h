@@ -1,6 +1,8 @@
 // The setup window's logic (AreaForm): the two picture views, the area store
 // and grid operations the data and side files call, the gauges, the window's
-// fields. The Qt window is a thin view over it.
+// fields, and the entry points the view calls, whose bodies lie in
+// areanavigation.cpp, areatools.cpp and areaevents.cpp. The Qt window is a
+// thin view over it.
 #pragma once
 
 #include <cstdint>
@@ -91,7 +93,8 @@ class AreaForm {
 
   // ---- The tool bars, menus, lists and fields (areatools.cpp)
 
-  // Captions, tooltips and starting states of both bars.
+  // The starting state of both bars' buttons, timers and hands; the keys and
+  // tooltips are the bars' tables (setup/areatoolbar.h).
   void InitToolbar();
   void OnToolbar1Click(const std::string& key);
   // A click on the button at `index` of Toolbar2; a two-state button's new
