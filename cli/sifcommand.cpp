@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "analysis/crackintegral.h"
 #include "analysis/newanalyse.h"
 #include "commands.h"
 #include "headlessanalysis.h"
@@ -12,9 +13,6 @@
 
 namespace tessiva::cli {
 namespace {
-
-// A crack counts from this many grid steps, as with the window's tool.
-constexpr double kShortestCrack = 3.0;
 
 // The direction on the picture in degrees, x to the right and y down, in (-180, 180].
 double DirectionDegrees(double radians) {

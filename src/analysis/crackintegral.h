@@ -14,6 +14,9 @@
 
 namespace tessiva {
 
+// A crack is measured only from this many grid steps long.
+inline constexpr double kShortestCrack = 3.0;
+
 // A crack on the picture, picture pixels: its start, its tip and the radius
 // of the ring round the tip (the ring runs from 0.4 to 0.8 of it).
 struct CrackLine {

@@ -14,8 +14,6 @@ namespace {
 
 constexpr const char* kEnd = "\r\n";
 constexpr const char* kInProgress = "Stress Intensity Factors calculation in progress, please wait ...";
-// A crack counts only from a drag of this many grid steps.
-constexpr double kShortestCrack = 3.0;
 // The band is never narrower than this many grid steps from the keys.
 constexpr double kNarrowestBand = 2.0;
 constexpr int kBandColour = 15, kArrowColour = 14;
@@ -67,10 +65,12 @@ void StressIntensity::BuildHead() {
   w_.Info.ColonnesInfo = CrackColumns(s.FileTitle, w_.PickingTools().PickingExtra(true));
 }
 
-void StressIntensity::OnToolArmed() {
+void StressIntensity::StartCollector() {
   BuildHead();
   w_.Info.SetText(w_.Info.TitreInfo + w_.Info.ColonnesInfo);
 }
+
+void StressIntensity::OnToolArmed() { StartCollector(); }
 
 void StressIntensity::OnToolPress(double x, double y) {
   w_.PickingTools().Selection.NboxAOS = kAosNone;
@@ -164,13 +164,13 @@ void StressIntensity::CalculKI() {
 void StressIntensity::ShowWhyUnusable() {
   const CrackLine crack = Crack();
   w_.Ui().StatusLine(crack.Length() == 0 || crack.radius <= 0
-                         ? "The crack has no length: no stress intensity factor is calculated"
+                         ? "The crack or its radius has no length: no stress intensity factor is calculated"
                          : "No usable pattern lies in the ring round the crack tip: no stress intensity factor is "
                            "calculated");
 }
 
 void StressIntensity::AfficheKI(bool showHead) {
-  if (showHead) OnToolArmed();
+  if (showHead) StartCollector();
   if (!KiResult.Usable()) return;
   const Picking& pick = w_.PickingTools();
   w_.Info.Append(CrackRow(pick.CurrentFileName(), pick.PickingExtra(false), KiResult, Crack(), w_.State().FormatLong));

@@ -61,6 +61,8 @@ class StressIntensity {
 
  private:
   void BuildHead();
+  // The collector starts again with the crack's head.
+  void StartCollector();
   void HideRubbers();
   // Why the last calculation gave nothing, on the status line.
   void ShowWhyUnusable();

@@ -279,7 +279,7 @@ TEST_F(CrackTest, TheCrackIsMeasuredAgainOnEachMember) {
     EXPECT_EQ(row[0], "member2.res");
     EXPECT_NEAR(std::stod(row[3]), 2e9, 4e7);
   }
-  EXPECT_EQ(window.Controls().Checked(ToolbarButton(kSectionToolButton)), true);
+  EXPECT_TRUE(window.Controls().Checked(ToolbarButton(kSectionToolButton)));
 }
 
 TEST_F(CrackTest, TheOverlayDrawsTheBandTheRingAndTheArrow) {
@@ -352,7 +352,7 @@ TEST_F(CrackTest, TheFilesCrackIsMeasuredOnReadingAndOneOfNoLengthIsRefused) {
   EXPECT_EQ(Rows().size(), 2u);
   EXPECT_EQ(window.Info.DataText().find("nan"), std::string::npos);
   window.CalculKI();
-  EXPECT_EQ(frame.Text("Label1"), " The crack has no length: no stress intensity factor is calculated");
+  EXPECT_EQ(frame.Text("Label1"), " The crack or its radius has no length: no stress intensity factor is calculated");
 }
 
 }  // namespace
