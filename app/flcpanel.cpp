@@ -1,6 +1,7 @@
 #include "flcpanel.h"
 
 #include <QCheckBox>
+#include <QFrame>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -66,6 +67,13 @@ FlcPanel::FlcPanel(NewAnalyse& controller, QWidget* parent) : QWidget(parent), c
   graph_->setMouseTracking(true);
   graph_->onMouse = [this](QMouseEvent* event) { OnGrapheMouse(event); };
   controller_.Graphe = &graph_->Resize(kGraphSize);
+  // The diagram's marker: a square over the graph where the clicked point stands.
+  auto* marker = new QFrame(graph_);
+  marker->setFrameStyle(QFrame::Box);
+  marker_ = marker;
+  marker_->setObjectName(QStringLiteral("Shape2"));
+  marker_->setAttribute(Qt::WA_TransparentForMouseEvents);
+  marker_->setVisible(false);
   inner->addWidget(graph_);
   text_ = new QPlainTextEdit(panel);
   text_->setObjectName(QStringLiteral("TextCLF"));
@@ -173,6 +181,8 @@ bool FlcPanel::eventFilter(QObject* watched, QEvent* event) {
 void FlcPanel::OnRegistryChange(const std::string& name, const ControlState& state) {
   if (name == "TextCLF" && FromQt(text_->toPlainText()) != state.text) {
     text_->setPlainText(ToQt(state.text));
+  } else if (name == "Shape2") {
+    marker_->setGeometry(state.left, state.top, state.width, state.height);
   } else if (name == "PosScroll" && position_->value() != state.listIndex) {
     const QSignalBlocker quiet(position_);
     position_->setValue(state.listIndex);

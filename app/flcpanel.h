@@ -37,6 +37,7 @@ class FlcPanel : public QWidget {
   CanvasView* graph_ = nullptr;
   CanvasView* gauge_ = nullptr;
   QPlainTextEdit* text_ = nullptr;
+  QWidget* marker_ = nullptr;
   QScrollBar* position_ = nullptr;
   int subscription_ = 0;
 };

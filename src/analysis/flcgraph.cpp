@@ -50,7 +50,7 @@ void FormingLimits::GrapheInit(double x0, double x1, double y1, double y0, const
   const double ux = PixelX(g), uy = PixelUp(g);
   g.SetDrawWidth(1);
   for (int k = 0; k < kTicks; ++k) {
-    const double x = x0 + k * (x1 - x0) / (kTicks - 1), y = y0 + k * (y1 - y0) / (kTicks - 1);
+    const double x = x0 + k * (x1 - x0) / kTicks, y = y0 + k * (y1 - y0) / kTicks;
     const double tick = k % 2 == 0 ? 10 : 5;
     if (grid) {
       g.Line(x, y0, x, y1, QBColor(kGridColour));
@@ -228,7 +228,7 @@ void FormingLimits::AfficheCLF(int32_t view) {
 }
 
 // The stored curve, then one dot a map sample at (E2, E1), coloured as the
-// sample is on the map (by EIII).
+// sample is on the map (by EIII); both two pixels wide, to be seen.
 void FormingLimits::DrawDiagram(Canvas& g) {
   const AppState& s = w_.State();
   const auto member = static_cast<size_t>(std::max(w_.CurFile, 0));
@@ -239,9 +239,11 @@ void FormingLimits::DrawDiagram(Canvas& g) {
     const auto k = static_cast<size_t>(i);
     g.Line(s.ClfX[k], s.ClfY[k], s.ClfX[k + 1], s.ClfY[k + 1], QBColor(kStoredCurveColour));
   }
-  g.SetDrawWidth(1);
   const ViewRange range = RangeOfView(kViewH3, w_.Ranges, w_.State().EcartMax, w_.State().EcartMin);
-  if (!range.max || *range.max == *range.min) return;
+  if (!range.max || *range.max == *range.min) {
+    g.SetDrawWidth(1);
+    return;
+  }
   const FieldSettings f = w_.FieldSettingsNow();
   const MapOptions options = w_.MapOptionsNow();
   const double h = HalfCell(s);
@@ -257,6 +259,7 @@ void FormingLimits::DrawDiagram(Canvas& g) {
         g.Point(FieldValue(s, f, *point, kViewH2), FieldValue(s, f, *point, kViewH1), colour);
       }
   }
+  g.SetDrawWidth(1);
   g.Refresh();
 }
 

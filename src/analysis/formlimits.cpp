@@ -231,6 +231,9 @@ void FormingLimits::ShowPanel() {
   const int32_t view = w_.VueCourante;
   w_.Controls().SetVisible("GrapheAna", GraphShown && (view == kViewFlcDiagram || view == kViewFlcDetermination));
   w_.Controls().SetVisible("FrameCLF", GraphShown && view == kViewFlcDetermination);
+  // The limit texts belong to the determination.
+  if (view != kViewFlcDetermination) w_.Controls().SetVisible("LabMax", false);
+  w_.Controls().SetVisible("LabIso", view == kViewFlcDetermination);
 }
 
 // A new display of field 16: its first section sets the scale the next members keep.

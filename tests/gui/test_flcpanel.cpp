@@ -30,7 +30,7 @@ QWidget* AnalyseNeck(const QTemporaryDir& dir, Workbench& workbench) {
   namespace t = tessiva::testing;
   QFile ini(dir.filePath(QStringLiteral("correl.ini")));
   if (!ini.open(QIODevice::WriteOnly)) return nullptr;
-  ini.write("[PATH]\r\nExePath=solver\r\n");
+  ini.write("[PATH]\r\nExePath=solver\r\n[CLFSEC]\r\nNUMBER=3\r\nX1=-10\r\nY1=30\r\nX2=0\r\nY2=20\r\nX3=10\r\nY3=28\r\n");
   ini.close();
   for (const char* name : {"ref.bmp", "def.bmp"})
     if (!tessiva::SaveGreyBmp(dir.filePath(QLatin1String(name)).toStdString(), 256, 160,
@@ -113,6 +113,17 @@ void FlcPanelFlows::bandAcrossTheNeckIsGraphedAndItsPointsRejected() {
   auto* position = window->findChild<QScrollBar*>(QStringLiteral("PosScroll"));
   position->setValue(60);
   QCOMPARE(flc.PosScroll, 60);
+
+  // The diagram: a dot a map sample under the stored curve; a click on the
+  // map places the marker at that point's strains.
+  auto* fields = window->findChild<QComboBox*>(QStringLiteral("Combo2"));
+  analyse.OnCombo2Click(fields->findText(QStringLiteral("FLC Diagram")));
+  QVERIFY(panel->isVisible());
+  QTest::mouseClick(map, Qt::LeftButton, {}, QPoint(qRound(130 * zoom), qRound(80 * zoom)));
+  QVERIFY(window->findChild<QWidget*>(QStringLiteral("Shape2"))->isVisible());
+  if (qEnvironmentVariableIsSet("TESSIVA_GRAB_DIR"))
+    window->grab().save(qEnvironmentVariable("TESSIVA_GRAB_DIR") + QStringLiteral("/flcdiagram.png"));
+  analyse.OnCombo2Click(fields->findText(QStringLiteral("FLC Determination")));
 
   // A double click lists the section's points in TextCLF.
   QTest::mouseDClick(graph, Qt::LeftButton, {}, QPoint(300, 200));
