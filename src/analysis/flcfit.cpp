@@ -117,7 +117,8 @@ int FitCosLin(const std::vector<double>& s, const std::vector<double>& e, const 
     const double f = CosLinValue(fitted, s[static_cast<size_t>(i)]), v = e[static_cast<size_t>(i)];
     fe += f * v, ff += f * f, ee += v * v;
   }
-  const double r = ff * ee == 0.0 ? kNoQuality : fe / std::sqrt(ff * ee);
+  // Values too large to square leave no correlation to speak of.
+  const double r = ff * ee == 0.0 || !std::isfinite(ff * ee) ? kNoQuality : fe / std::sqrt(ff * ee);
   quality = std::pow(r, 10);
   coef = fitted;
   return -1;

@@ -1,6 +1,6 @@
 // The forming-limit analysis in the analysis window: the band tool's section
-// over a known stretch, the section between a result's two areas and its
-// mirrored side, field 16 refused without forming-limit data, the graph's
+// over a known stretch and on the next member, the section between a
+// result's two areas and its mirrored side, field 16 refused without forming-limit data, the graph's
 // pointer rejecting points and dragging a limit, and TextCLF.
 #include "analysis/formlimits.h"
 
@@ -21,8 +21,8 @@ using testing::Displacement;
 using testing::DisplacementField;
 
 constexpr double kStretch = 0.02;
-DisplacementField Stretch() {
-  return [](double x, double) { return Displacement{kStretch * (x - 100), 0.0}; };
+DisplacementField Stretch(double e = kStretch) {
+  return [e](double x, double) { return Displacement{e * (x - 100), 0.0}; };
 }
 // A strain growing along x, so that the two ends of a section differ.
 DisplacementField GrowingStrain() {
@@ -84,6 +84,20 @@ TEST_F(FormingLimitsTest, TheBandToolLaysTheSectionAlongItsLineOverTheStrainFiel
   // A uniform strain is its own limit.
   ASSERT_EQ(flc.Limits.cosineStatus, -1);
   EXPECT_NEAR(flc.Limits.cosineMajor, 100 * std::log(1 + kStretch), 1e-6);
+}
+
+TEST_F(FormingLimitsTest, TheNextMemberIsSampledWhereTheSectionWasWithItsRejectedPointsKept) {
+  Read(Stretch());
+  DrawBand(70, 100, 130, 100);
+  flc.OnGrapheMouseUp(kLeftButton, flc.XSection[10], flc.EpsiISection[10]);
+  ASSERT_EQ(flc.SectionOk[10], kPointRejected);
+  ASSERT_TRUE(ReadResult(head, testing::GridPatterns(Stretch(0.05), 60, 60, 11, 11, 8, 8), 2));
+  window.AfterFileChange();
+  EXPECT_TRUE(window.keepScale);
+  EXPECT_EQ(flc.SectionOk[10], kPointRejected);
+  EXPECT_EQ(flc.SectionOk[11], kPointUsed);
+  EXPECT_NEAR(flc.EpsiISection[11], 100 * std::log(1.05), 1e-6);
+  EXPECT_NEAR(flc.Limits.cosineMajor, 100 * std::log(1.05), 1e-6);
 }
 
 TEST_F(FormingLimitsTest, ASideRepeatsPointEightyLessIBeyondTheMiddle) {
