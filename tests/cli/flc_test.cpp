@@ -78,8 +78,11 @@ TEST_F(Flc, BothMethodsReadTheUndisturbedLimitOfANeckOnceItsPointsAreRejected) {
       ASSERT_EQ(row.size(), 5u);
       const double x = 40 + std::stod(row[1]);
       // The neck is rejected, the undisturbed points fitted.
-      if (std::abs(x - kNeckAt) < kNeckHalfWidth - 8) EXPECT_EQ(row[4], "-1") << method << " at x " << x;
-      if (std::abs(x - kNeckAt) > kNeckHalfWidth + 8) EXPECT_EQ(row[4], "1") << method << " at x " << x;
+      if (std::abs(x - kNeckAt) < kNeckHalfWidth - 8) {
+        EXPECT_EQ(row[4], "-1") << method << " at x " << x;
+      } else if (std::abs(x - kNeckAt) > kNeckHalfWidth + 8) {
+        EXPECT_EQ(row[4], "1") << method << " at x " << x;
+      }
     }
     const auto limits = LimitRows(o.out, "\t");
     ASSERT_EQ(limits.size(), 1u) << o.out;
