@@ -4,33 +4,18 @@
 // drawn into a 600 x 400 picture. Target: under 5 ms.
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <string>
-
-#include "analysis/analysisfiles.h"
-#include "analysis/newanalyse.h"
-#include "largeresult.h"
+#include "largeresultwindow.h"
 #include "qimagecanvas.h"
 #include "ui/pointer.h"
-#include "ui/scriptedui.h"
 
 namespace tessiva {
 namespace {
 
-class FlcBench {
+class FlcBench : public bench::LargeResultWindow {
  public:
-  FlcBench() : dir_(std::filesystem::temp_directory_path() / ("tessiva-bench-flc-" + std::to_string(::getpid()))) {
-    std::filesystem::create_directories(dir_);
-    const std::string path = (dir_ / "large.res").string();
-    bench::WriteResultFile(path);
-    s.LastDir = s.StartDir = dir_.string();
-    s.IniPath = (dir_ / "correl.ini").string();
-    s.ResizeSequence(1);
-    s.DataFilePath[1] = path;
-    s.DataFileName[1] = "large.res";
-    ok_ = LecRes(window, 1, false) && s.NbPat == bench::kSide * bench::kSide;
+  FlcBench() : LargeResultWindow("flc") {
+    ok_ = Read();
     window.Graphe = &graph;
     window.Flc.GraphShown = true;
     // A band across the whole picture, as the section tool draws it.
@@ -40,24 +25,11 @@ class FlcBench {
     window.OnPicAnaMouseUp(kLeftButton, 0, 1948, 1100);
     ok_ = ok_ && window.Flc.NbSection == FormingLimits::kSteps - 1;
   }
-  ~FlcBench() {
-    std::error_code ignored;
-    std::filesystem::remove_all(dir_, ignored);
-  }
-  FlcBench(const FlcBench&) = delete;
-  FlcBench& operator=(const FlcBench&) = delete;
-
   bool Ok() const { return ok_; }
 
-  AppState s;
-  ControlRegistry frame;
-  ScriptedUi ui{frame};
-  Param param{s};
-  NewAnalyse window{s, ui, param};
   QImageCanvas graph{600, 400};
 
  private:
-  std::filesystem::path dir_;
   bool ok_ = false;
 };
 

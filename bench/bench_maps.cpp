@@ -3,19 +3,14 @@
 // and with smoothing 2, the value queries under the pointer, and the whole
 // road from opening the result to its first map.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
 #include <random>
 #include <string>
 
-#include "analysis/analysisfiles.h"
 #include "analysis/fieldlist.h"
-#include "analysis/newanalyse.h"
-#include "largeresult.h"
+#include "largeresultwindow.h"
 #include "qimagecanvas.h"
-#include "ui/scriptedui.h"
 
 namespace tessiva {
 namespace {
@@ -23,41 +18,21 @@ namespace {
 constexpr int32_t kMajorHenckyEntry = 6;
 
 // A result read into an analysis window whose map and bar are QImages.
-class MapBench {
+class MapBench : public bench::LargeResultWindow {
  public:
-  MapBench()
-      : dir_(std::filesystem::temp_directory_path() / ("tessiva-bench-maps-" + std::to_string(::getpid()))) {
-    std::filesystem::create_directories(dir_);
-    path_ = (dir_ / "large.res").string();
-    bench::WriteResultFile(path_);
-    s.LastDir = dir_.string();
-    s.ResizeSequence(1);
-    s.DataFilePath[1] = path_;
+  MapBench() : LargeResultWindow("maps") {
     window.PicAna = &map;
     window.IsoPic = &bar;
   }
-  ~MapBench() {
-    std::error_code ignored;
-    std::filesystem::remove_all(dir_, ignored);
-  }
-  bool Open() { return LecRes(window, 1, false) && s.NbPat == bench::kSide * bench::kSide; }
+  bool Open() { return Read(); }
   void ShowMajorHencky(int32_t smooth) {
     window.Controls().SetChecked("Interpolation", smooth > 1);
     window.Controls().SetText("SmoothCombo", std::to_string(smooth));
     window.OnCombo2Click(kMajorHenckyEntry);
   }
 
-  AppState s;
-  ControlRegistry frame;
-  ScriptedUi ui{frame};
-  Param param{s};
-  NewAnalyse window{s, ui, param};
   QImageCanvas map{2048, 2048};
   QImageCanvas bar{318, 40};
-
- private:
-  std::filesystem::path dir_;
-  std::string path_;
 };
 
 double Seconds(std::chrono::steady_clock::time_point start) {

@@ -3,45 +3,22 @@
 // the table made): a rectangle table over most of the picture and a line
 // along its diagonal, both on "Epsilon I Major Hencky". Target: each under 50 ms.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <string>
-
-#include "analysis/analysisfiles.h"
 #include "analysis/fieldlist.h"
-#include "analysis/newanalyse.h"
-#include "largeresult.h"
+#include "largeresultwindow.h"
 #include "ui/pointer.h"
-#include "ui/scriptedui.h"
 
 namespace tessiva {
 namespace {
 
 // A result read into an analysis window with no map attached, the working
 // copy of the selection kept in a directory of the benchmark's own.
-class PickBench {
+class PickBench : public bench::LargeResultWindow {
  public:
-  PickBench()
-      : dir_(std::filesystem::temp_directory_path() / ("tessiva-bench-pick-" + std::to_string(::getpid()))) {
-    std::filesystem::create_directories(dir_);
-    const std::string path = (dir_ / "large.res").string();
-    bench::WriteResultFile(path);
-    s.LastDir = s.StartDir = dir_.string();
-    s.IniPath = (dir_ / "correl.ini").string();
-    s.FileTitle = "large.res";
-    s.ResizeSequence(1);
-    s.DataFilePath[1] = path;
-    s.DataFileName[1] = "large.res";
-    ok_ = LecRes(window, 1, false) && s.NbPat == bench::kSide * bench::kSide;
+  PickBench() : LargeResultWindow("pick") {
+    ok_ = Read();
     window.OnCombo2Click(*FieldIndexOfName("Epsilon I Major Hencky"));
   }
-  ~PickBench() {
-    std::error_code ignored;
-    std::filesystem::remove_all(dir_, ignored);
-  }
-  PickBench(const PickBench&) = delete;
-  PickBench& operator=(const PickBench&) = delete;
 
   // Arms the tool and drags from (x1, y1) to (x2, y2); false when no selection was made.
   bool Select(const std::string& key, double x1, double y1, double x2, double y2) {
@@ -52,14 +29,7 @@ class PickBench {
     return window.PickingTools().NboxAOS() != kAosNone;
   }
 
-  AppState s;
-  ControlRegistry frame;
-  ScriptedUi ui{frame};
-  Param param{s};
-  NewAnalyse window{s, ui, param};
-
  private:
-  std::filesystem::path dir_;
   bool ok_ = false;
 };
 

@@ -3,49 +3,17 @@
 // with a ring of radius 600 pixels (some 35,000 patterns in it) and of 1200
 // (most of the mesh). Target: under 100 ms.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <string>
-
-#include "analysis/analysisfiles.h"
-#include "analysis/newanalyse.h"
-#include "largeresult.h"
-#include "ui/scriptedui.h"
+#include "largeresultwindow.h"
 
 namespace tessiva {
 namespace {
 
-class CrackBench {
+class CrackBench : public bench::LargeResultWindow {
  public:
-  CrackBench()
-      : dir_(std::filesystem::temp_directory_path() / ("tessiva-bench-sif-" + std::to_string(::getpid()))) {
-    std::filesystem::create_directories(dir_);
-    const std::string path = (dir_ / "large.res").string();
-    bench::WriteResultFile(path);
-    s.LastDir = s.StartDir = dir_.string();
-    s.IniPath = (dir_ / "correl.ini").string();
-    s.ResizeSequence(1);
-    s.DataFilePath[1] = path;
-    s.DataFileName[1] = "large.res";
-    ok = LecRes(window, 1, false) && s.NbPat == bench::kSide * bench::kSide;
-  }
-  ~CrackBench() {
-    std::error_code ignored;
-    std::filesystem::remove_all(dir_, ignored);
-  }
-  CrackBench(const CrackBench&) = delete;
-  CrackBench& operator=(const CrackBench&) = delete;
+  CrackBench() : LargeResultWindow("sif") { ok = Read(); }
 
-  AppState s;
-  ControlRegistry frame;
-  ScriptedUi ui{frame};
-  Param param{s};
-  NewAnalyse window{s, ui, param};
   bool ok = false;
-
- private:
-  std::filesystem::path dir_;
 };
 
 CrackBench& Bench() {
