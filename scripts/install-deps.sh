@@ -5,6 +5,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
+  libtiff-dev libpng-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   calculix-ccx python3-meshio gmsh
 )

@@ -93,6 +93,16 @@ void NewAnalyse::AfterFileChange() {
   if (!picking_.OnFileChanged()) PicAnaRefresh();
 }
 
+bool NewAnalyse::GoToFile(int32_t index) {
+  if (index < 1 || index > s_.NbSeq) return false;
+  BusyPointer busy(ui_);
+  CurFile = index;
+  const bool read = LecRes(*this, index, true);
+  if (read) AfterFileChange();
+  controls_.Update("Combo4", [index](ControlState& c) { c.listIndex = index - 1; });
+  return read;
+}
+
 void NewAnalyse::MinMaxDeplacement() {
   BusyPointer busy(ui_);
   if (KeepMinMax) return;

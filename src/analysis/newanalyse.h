@@ -158,6 +158,10 @@ class NewAnalyse {
   // measured on it and gives a row, then the selection and the gauges
   // replay on it, or the map is repainted when there are none.
   void AfterFileChange();
+  // The file change: member `index` (1 to NbSeq) is read and shown, then
+  // Combo4 shows it. An index past either end does nothing and gives false,
+  // as does a member that can't be read (its reader has said why).
+  bool GoToFile(int32_t index);
   // The collector window closes: picking ends.
   void OnInfoClose();
 
