@@ -51,7 +51,7 @@ void NewAnalyse::ShowInfo() { Info.Show(ui_); }
 void NewAnalyse::OnInfoClose() { picking_.CloseInfo(); }
 
 bool NewAnalyse::OnToolbar1Click(const std::string& key) {
-  if (picking_.OnToolbarKey(key)) return true;
+  if (picking_.OnToolbarKey(key) || OnSessionKey(key)) return true;
   if (key != "CLF") return false;
   ArmSectionTool(s_.FissureOn ? SectionKind::Crack : picking_.SectionTool);
   return true;
@@ -63,11 +63,20 @@ void NewAnalyse::OnPicAnaKey(char key) {
   if (picking_.PickTool == kPickSection && picking_.SectionTool == SectionKind::Crack) Crack.OnToolKey(key);
 }
 
+// The lens takes a press with the control key; a new axis 1, while one is
+// asked for, takes the left button before any picking tool.
 void NewAnalyse::OnPicAnaMouseDown(int button, int shift, double x, double y) {
+  if (Loupe.MouseDown(button, shift, x, y)) return;
+  if (Axes.AxisPick && button == kLeftButton && !(shift & kShiftKey)) {
+    Axes.MouseDown(Round(x), Round(y));
+    return;
+  }
   picking_.MouseDown(button, shift, x, y);
 }
 
 void NewAnalyse::OnPicAnaMouseMove(int button, int shift, double x, double y) {
+  if (Loupe.MouseMove(x, y)) return;
+  if (Axes.AxisPick) Axes.MouseMove(button, Round(x), Round(y));
   if (picking_.PickTool == kPickIdle) {
     OnPicAnaMouseMove(x, y);
   } else {
@@ -76,6 +85,11 @@ void NewAnalyse::OnPicAnaMouseMove(int button, int shift, double x, double y) {
 }
 
 std::optional<PicAnaMenu> NewAnalyse::OnPicAnaMouseUp(int button, int shift, double x, double y) {
+  if (Loupe.MouseUp(x, y)) return std::nullopt;
+  if (Axes.AxisPick && button == kLeftButton) {
+    Axes.MouseUp(Round(x), Round(y));
+    return std::nullopt;
+  }
   if (VueCourante == kViewFlcDiagram && button == kLeftButton && !(shift & kShiftKey)) Flc.OnDiagramClick(x, y);
   return picking_.MouseUp(button, shift, x, y);
 }
@@ -253,11 +267,11 @@ void NewAnalyse::InitToolbar() {
   controls_.SetChecked("Option2(0)", true);
   controls_.SetChecked("OptionMinMax(0)", true);
   controls_.SetText("TextMagni", "1");
+  controls_.SetText("Command1", "1:1");
 }
 
 void NewAnalyse::Load() {
-  Cos2Teta = 1.0;
-  Sin2Teta = 0.0;
+  Axes.Load();
   bInitial = true;
   View.Zoom = 1.0;
   picking_.PickTool = kPickIdle;
@@ -265,6 +279,7 @@ void NewAnalyse::Load() {
   picking_.InitAOS();
   LecSeqResults(s_, ui_, controls_);
   CurFile = 1;
+  controls_.Update("Combo4", [](ControlState& c) { c.listIndex = 0; });
   VueCourante = kViewU;
   controls_.Update("Combo2", [](ControlState& c) { c.listIndex = 0; });
   ShowViewTexts();
@@ -289,10 +304,10 @@ void NewAnalyse::OnCombo2Click(int32_t index) {
   }
   DeleteAOS(s_, "temp");
   controls_.Update("Combo2", [index](ControlState& c) { c.listIndex = index; });
-  if (entry->view) {
-    VueCourante = *entry->view;
-    picking_.OnFieldChanged(VueCourante);
-  }
+  // A rule shows nothing: the field stays, the tools are disarmed all the same.
+  constexpr int32_t kNoView = -1;
+  if (entry->view) VueCourante = *entry->view;
+  picking_.OnFieldChanged(entry->view.value_or(kNoView));
   Flc.OnFieldChosen(VueCourante);
   PicAnaRefresh();
 }

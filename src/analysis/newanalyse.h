@@ -9,8 +9,10 @@
 #include <optional>
 #include <string>
 
+#include "analysis/axistool.h"
 #include "analysis/collector.h"
 #include "analysis/formlimits.h"
+#include "analysis/lens.h"
 #include "analysis/picking.h"
 #include "analysis/stressintensity.h"
 #include "results/distortion.h"
@@ -69,6 +71,9 @@ class NewAnalyse {
   // The forming-limit and stress intensity analyses.
   FormingLimits Flc{*this};
   StressIntensity Crack{*this};
+  // The user's axes, and the lens of the map.
+  AxisTool Axes{*this};
+  Lens Loupe{*this};
 
   // Member of the sequence on show.
   int32_t CurFile = 1;
@@ -114,6 +119,8 @@ class NewAnalyse {
   Canvas* PicAna = nullptr;
   // The forming-limit graph's surface; nothing is drawn while none is attached.
   Canvas* Graphe = nullptr;
+  // The axes picture Repere; nothing is drawn while none is attached.
+  Canvas* Repere = nullptr;
   // A section of field 16 keeps its abscissae, states and ranges: set by a
   // change of member, cleared when a new section is chosen.
   bool keepScale = false;
@@ -162,6 +169,17 @@ class NewAnalyse {
   // Combo4 shows it. An index past either end does nothing and gives false,
   // as does a member that can't be read (its reader has said why).
   bool GoToFile(int32_t index);
+  // A click on entry `index` (0-based) of the member list Combo4.
+  void OnCombo4Click(int32_t index);
+  // Run: every member in turn, as the navigation keys read them.
+  void Run();
+  // Shows the parameters of the result, none of them editable.
+  void Parametre();
+  // Command1 switches the map between "1:1" and "1:x".
+  void OnCommand1Click();
+  // The menu entry "Keyboard Input": a position typed in, in the user's
+  // units, placed on the map as a release of the left button.
+  void KeyMNU();
   // The collector window closes: picking ends.
   void OnInfoClose();
 
@@ -227,6 +245,10 @@ class NewAnalyse {
  private:
   RangeSettings RangeSettingsNow() const;
   void InitToolbar();
+  // The keys of the parameters, SaveAOS, the navigation and Run; false for another key.
+  bool OnSessionKey(const std::string& key);
+  // The navigation keys: member `index`, unless it is the one on show.
+  void StepTo(int32_t index);
   // Titles, captions and the reference box of the view on show.
   void ShowViewTexts();
   void PlaceReferenceBox();
