@@ -102,6 +102,7 @@ FileDialogResult QtUi::RunFileDialog(const FileDialogRequest& request, QFileDial
   if (mode == QFileDialog::AcceptOpen)
     dialog.setFileMode(request.multiSelect ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
   dialog.setDefaultSuffix(ToQt(request.defaultExt));
+  if (!request.fileName.empty()) dialog.selectFile(ToQt(request.fileName));
   const QStringList filters = dialog.nameFilters();
   if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
     dialog.selectNameFilter(filters[request.filterIndex - 1]);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "analysis/analysisfiles.h"
+#include "analysis/capture.h"
 #include "analysis/fieldlist.h"
 #include "results/meshdraw.h"
 #include "results/resultfile.h"
@@ -52,6 +53,10 @@ void NewAnalyse::OnInfoClose() { picking_.CloseInfo(); }
 
 bool NewAnalyse::OnToolbar1Click(const std::string& key) {
   if (picking_.OnToolbarKey(key) || OnSessionKey(key)) return true;
+  if (key == "Film" || key == "Film2") {
+    if (Captures) key == "Film" ? Film(*this, *Captures) : static_cast<void>(Film2(*this, *Captures));
+    return true;
+  }
   if (key != "CLF") return false;
   ArmSectionTool(s_.FissureOn ? SectionKind::Crack : picking_.SectionTool);
   return true;

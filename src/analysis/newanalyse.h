@@ -28,6 +28,8 @@
 
 namespace tessiva {
 
+class CapturePort;
+
 // A picture the window shows: the reference (PicAnaTemp) or the deformed one
 // (PicAnaTemp2). A box without a picture measures 100 x 100 pixels.
 struct AnalysisPicture {
@@ -121,6 +123,9 @@ class NewAnalyse {
   Canvas* Graphe = nullptr;
   // The axes picture Repere; nothing is drawn while none is attached.
   Canvas* Repere = nullptr;
+  // Joins the surfaces into captures and writes them (the Film keys); the
+  // keys do nothing while none is attached.
+  CapturePort* Captures = nullptr;
   // A section of field 16 keeps its abscissae, states and ranges: set by a
   // change of member, cleared when a new section is chosen.
   bool keepScale = false;
@@ -147,7 +152,8 @@ class NewAnalyse {
 
   // A click on the key of a Toolbar1 button. The picking keys arm their
   // tool, "CLF" the section tool: in its crack mode while a crack is
-  // defined, else in the mode last chosen; false for a key handled elsewhere.
+  // defined, else in the mode last chosen; "Film" and "Film2" capture the
+  // map through Captures; false for a key handled elsewhere.
   bool OnToolbar1Click(const std::string& key);
   // Arms the section tool in mode `kind` (the view's choice of "FLC Analysis"
   // or "KI Analysis").

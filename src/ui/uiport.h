@@ -26,6 +26,8 @@ struct FileDialogRequest {
   std::string title;
   bool multiSelect = false;
   int filterIndex = 1;
+  // The name the dialog offers, empty for none.
+  std::string fileName;
 };
 
 // A cancelled dialog gives an empty FileName. A multiple selection gives an
