@@ -1,8 +1,12 @@
 #include "commands.h"
 
+#include <functional>
+#include <memory>
+
 #include "exportcommand.h"
 #include "flccommand.h"
 #include "mapcommand.h"
+#include "options.h"
 #include "pickcommand.h"
 #include "setupcommand.h"
 #include "sifcommand.h"
@@ -12,12 +16,17 @@
 namespace tessiva::cli {
 namespace {
 
+constexpr const char* kAbout =
+    "tessiva-cli: Tessiva without a window, for batch use: synthetic pictures, data files, result exports, maps\n"
+    "and the measuring tools of the analysis window.";
+
+constexpr const char* kFooter =
+    "Run tessiva-cli COMMAND --help for a command's options.\n"
+    "The forming-limit curve comes from correl.ini in the current directory, when there is one.";
+
 constexpr const char* kUsage =
     "Usage: tessiva-cli synth DIR FIELD [A [B [C]]] [--size N] [--noise SIGMA] [--seed K]\n"
-    "       tessiva-cli setup DIR [--ref NAME] [--def NAME] [--data NAME.don] [--area X1 Y1 X2 Y2]\n"
-    "                             [--grid N] [--pattern MIN MAX] [--bilinear] [--large-strain]\n"
-    "       tessiva-cli export RESULT.res --cfr|--unv|--inp|--vtu|--csv OUT [--show-bad-pattern]\n"
-    "                          [--final-to-initial]\n"
+    "                         [--format bmp|png16|tiff16]\n"
     "       tessiva-cli flc RESULT.res|SEQUENCE.seq [--band X1,Y1,X2,Y2] [--position P] [--side left|right]\n"
     "                       [--method cosine|iso12004] [--csv]\n"
     "       tessiva-cli map RESULT.res|SEQUENCE.seq --field NAME --png OUT [--smooth N] [--on-final]\n"
@@ -28,29 +37,12 @@ constexpr const char* kUsage =
     "                       [--csv]\n"
     "       tessiva-cli --help\n"
     "\n"
-    "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp with a known displacement\n"
+    "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp (.png or .tif with --format\n"
+    "        png16 or tiff16, at 16 bits) with a known displacement\n"
     "        field, and the field at every point in DIR/truth.txt. FIELD and its values:\n"
     "          translation U V, strain EXX EYY, shear GAMMA, rotation DEGREES,\n"
     "          sinusoid AMPLITUDE PERIOD, hole REMOTE_STRAIN RADIUS,\n"
     "          neck STRAIN PEAK WIDTH, crack KI/(2 mu)\n"
-    "\n"
-    "setup   writes the data file DIR/NAME.don (data.don) for the pictures DIR/ref.bmp and\n"
-    "        DIR/def.bmp, as the setup window would: one rectangular area (the picture less a\n"
-    "        tenth of its size on each side unless --area is given), the pattern grid, a start\n"
-    "        point at the area's middle found by the start search. Grid step (10) and pattern\n"
-    "        sizes (21 25) are kept within the limits of the parameters window; the cubic\n"
-    "        spline is used unless --bilinear.\n"
-    "\n"
-    "export  reads a result file as the analysis window does (mesh and strains) and\n"
-    "        writes its mesh and results to OUT:\n"
-    "  --cfr                a clean result file\n"
-    "  --unv                a Universal file\n"
-    "  --inp                an Abaqus input file\n"
-    "  --vtu                a VTK unstructured grid for ParaView and meshio (positions and\n"
-    "                       displacements in the calibration's units, y pointing up)\n"
-    "  --csv                a table of the valid nodes, a row each, units in the header\n"
-    "  --show-bad-pattern   \"Show Bad Pattern\": patterns that aren't good take part\n"
-    "  --final-to-initial   \"Final -> Initial\": strains on the deformed configuration\n"
     "\n"
     "flc     the forming-limit determination of the analysis window (field \"FLC Determination\")\n"
     "        on a result or on each member of a sequence. The section of 79 points is laid across\n"
@@ -122,33 +114,100 @@ std::optional<int32_t> WholeNumber(const std::string& text) {
   return RoundToInt32(value);
 }
 
-int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h")) {
-    out << kUsage;
-    return kDone;
-  }
-  std::string problem = "no command given";
-  const std::vector<std::string> rest(args.begin() + (args.empty() ? 0 : 1), args.end());
-  const std::string command = args.empty() ? "" : args[0];
-  if (command == "export") {
-    if (const auto request = ParseExport(rest, problem)) return RunExport(*request, err);
-  } else if (command == "flc") {
-    if (const auto request = ParseFlc(rest, problem)) return RunFlc(*request, out, err);
-  } else if (command == "map") {
-    if (const auto request = ParseMap(rest, problem)) return RunMap(*request, out, err);
-  } else if (command == "pick") {
-    if (const auto request = ParsePick(rest, problem)) return RunPick(*request, out, err);
-  } else if (command == "sif") {
-    if (const auto request = ParseSif(rest, problem)) return RunSif(*request, out, err);
-  } else if (command == "synth") {
-    if (const auto request = ParseSynth(rest, problem)) return RunSynth(*request, out, err);
-  } else if (command == "setup") {
-    if (const auto request = ParseSetup(rest, problem)) return RunSetup(*request, out, err);
-  } else if (!command.empty()) {
-    problem = "unknown command " + command;
-  }
-  err << "tessiva-cli: " << problem << "\n\n" << kUsage;
+namespace {
+
+// A command as the dispatch sees it: its part of the command line, and its
+// work over the request that part's options filled.
+struct Command {
+  CLI::App* app;
+  std::function<int(std::ostream&, std::ostream&)> run;
+};
+
+template <typename Request>
+Command Declare(CLI::App& app, CLI::App* (*add)(CLI::App&, Request&),
+                int (*run)(const Request&, std::ostream&, std::ostream&)) {
+  auto request = std::make_shared<Request>();
+  CLI::App* command = add(app, *request);
+  command->group("Commands");
+  return {command, [request, run](std::ostream& out, std::ostream& err) { return run(*request, out, err); }};
+}
+
+// The commands still read by their own parsers: the words after the command's name.
+using OldParser = std::function<int(const std::vector<std::string>&, std::string&, std::ostream&, std::ostream&)>;
+
+template <typename Request>
+OldParser Old(std::optional<Request> (*parse)(const std::vector<std::string>&, std::string&),
+              int (*run)(const Request&, std::ostream&, std::ostream&)) {
+  return [parse, run](const std::vector<std::string>& args, std::string& problem, std::ostream& out, std::ostream& err) {
+    if (const auto request = parse(args, problem)) return run(*request, out, err);
+    return -1;
+  };
+}
+
+// The first word of a command line that nothing took, named as what it looks like.
+std::string Unexpected(const std::string& word) {
+  const bool option = word.size() > 1 && word[0] == '-' && !Coordinates(word);
+  return (option ? "unknown option " : "unexpected argument ") + word;
+}
+
+// The command the line names, if any.
+CLI::App* Chosen(CLI::App& app) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  return chosen.empty() ? nullptr : chosen.front();
+}
+
+int Refused(const std::string& problem, const CLI::App* command, std::ostream& err) {
+  err << "tessiva-cli: " << problem << '\n';
+  if (command)
+    err << "Run tessiva-cli " << command->get_name() << " --help for its options.\n";
+  else
+    err << "Run tessiva-cli --help for the commands.\n";
   return kUsageError;
+}
+
+}  // namespace
+
+int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  CLI::App app(kAbout, "tessiva-cli");
+  app.require_subcommand(0, 1);
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  const std::vector<Command> commands{Declare(app, AddExportCommand, RunExport), Declare(app, AddSetupCommand, RunSetup)};
+  const std::vector<std::pair<CLI::App*, OldParser>> old{
+      {app.add_subcommand("flc")->prefix_command(), Old(ParseFlc, RunFlc)},
+      {app.add_subcommand("map")->prefix_command(), Old(ParseMap, RunMap)},
+      {app.add_subcommand("pick")->prefix_command(), Old(ParsePick, RunPick)},
+      {app.add_subcommand("sif")->prefix_command(), Old(ParseSif, RunSif)},
+      {app.add_subcommand("synth")->prefix_command(), Old(ParseSynth, RunSynth)}};
+  // An unknown command is kept among the words left over, to be named; the
+  // commands, made before, don't inherit this and refuse their own leftovers,
+  // nor do they show the program's footer.
+  app.allow_extras();
+  app.footer(kFooter);
+  try {
+    app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
+  } catch (const CLI::Success& help) {
+    app.exit(help, out, err);
+    return kDone;
+  } catch (const CLI::ExtrasError&) {
+    // A command keeps the words it couldn't place; CLI11 names them without saying what they are.
+    CLI::App* const command = Chosen(app);
+    const std::vector<std::string> rest = command ? command->remaining() : app.remaining();
+    return Refused(rest.empty() ? "unexpected arguments" : Unexpected(rest.front()), command, err);
+  } catch (const CLI::ParseError& refusal) {
+    return Refused(refusal.what(), Chosen(app), err);
+  }
+  const std::vector<std::string> rest = app.remaining();
+  for (const Command& command : commands)
+    if (command.app->parsed()) return rest.empty() ? command.run(out, err) : Refused(Unexpected(rest.front()), command.app, err);
+  for (const auto& [command, parse] : old) {
+    if (!command->parsed()) continue;
+    std::string problem;
+    const int status = parse(command->remaining(), problem, out, err);
+    if (status >= 0) return status;
+    err << "tessiva-cli: " << problem << "\n\n" << kUsage;
+    return kUsageError;
+  }
+  return Refused(rest.empty() ? "no command given" : "unknown command " + rest[0], nullptr, err);
 }
 
 }  // namespace tessiva::cli

@@ -1,19 +1,32 @@
 #include "exportcommand.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <map>
 
 #include "commands.h"
 #include "headlessanalysis.h"
+#include "options.h"
 #include "results/exports.h"
 #include "state/files.h"
 
 namespace tessiva::cli {
 namespace {
 
-const std::map<std::string, ExportFormat> kFormatOptions{
-    {"--cfr", ExportFormat::Cfr}, {"--unv", ExportFormat::Unv}, {"--inp", ExportFormat::Inp},
-    {"--vtu", ExportFormat::Vtu}, {"--csv", ExportFormat::Csv}};
+struct FormatOption {
+  const char* name;
+  ExportFormat format;
+  const char* what;
+};
+constexpr FormatOption kFormatOptions[] = {
+    {"--cfr", ExportFormat::Cfr, "a clean result file"},
+    {"--unv", ExportFormat::Unv, "a Universal file"},
+    {"--inp", ExportFormat::Inp, "an Abaqus input file"},
+    {"--vtu", ExportFormat::Vtu,
+     "a VTK unstructured grid for ParaView and meshio (positions and displacements in the calibration's units, y "
+     "pointing up)"},
+    {"--csv", ExportFormat::Csv, "a table of the valid nodes, a row each, units in the header"}};
+
+constexpr const char* kFormatNames = "--cfr, --unv, --inp, --vtu and --csv";
 
 bool Write(const ExportRequest& request, const AppState& s, int32_t showBad) {
   switch (request.format) {
@@ -28,37 +41,31 @@ bool Write(const ExportRequest& request, const AppState& s, int32_t showBad) {
 
 }  // namespace
 
-std::optional<ExportRequest> ParseExport(const std::vector<std::string>& args, std::string& problem) {
-  const auto refuse = [&problem](std::string complaint) -> std::optional<ExportRequest> {
-    problem = std::move(complaint);
-    return std::nullopt;
-  };
-  ExportRequest request;
-  bool formatGiven = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    if (const auto format = kFormatOptions.find(arg); format != kFormatOptions.end()) {
-      if (formatGiven) return refuse("give only one of --cfr, --unv, --inp, --vtu and --csv");
-      if (i + 1 == args.size()) return refuse(arg + " needs the name of the file to write");
-      formatGiven = true;
-      request.format = format->second;
-      request.output = args[++i];
-    } else if (arg == "--show-bad-pattern") {
-      request.showBadPattern = true;
-    } else if (arg == "--final-to-initial") {
-      request.finalToInitial = true;
-    } else if (arg.starts_with("-") || !request.result.empty()) {
-      return refuse("unexpected argument " + arg);
-    } else {
-      request.result = arg;
-    }
+CLI::App* AddExportCommand(CLI::App& app, ExportRequest& request) {
+  CLI::App* command = app.add_subcommand("export", "writes a result's mesh and results for other programs");
+  command->footer("The result is read as the analysis window reads it (mesh and strains).");
+  command->add_option("RESULT", request.result, "the result file (.res)")->required()->type_name("")->check(Found());
+  std::vector<const CLI::Option*> formats;
+  for (const FormatOption& option : kFormatOptions) {
+    const auto choose = [&request, option](const std::string& output) {
+      request.format = option.format;
+      request.output = output;
+    };
+    formats.push_back(
+        command->add_option_function<std::string>(option.name, choose, option.what)->type_name("OUT")->check(AValue()));
   }
-  if (request.result.empty()) return refuse("no result file given");
-  if (!formatGiven) return refuse("give one of --cfr, --unv, --inp, --vtu and --csv with the file to write");
-  return request;
+  command->add_flag("--show-bad-pattern", request.showBadPattern, "\"Show Bad Pattern\": patterns that aren't good take part");
+  command->add_flag("--final-to-initial", request.finalToInitial,
+                    "\"Final -> Initial\": strains on the deformed configuration");
+  command->callback([formats] {
+    const auto given = std::count_if(formats.begin(), formats.end(), [](const CLI::Option* o) { return o->count() > 0; });
+    if (given == 0) Refuse(std::string("give one of ") + kFormatNames + " with the file to write");
+    if (given > 1) Refuse(std::string("give only one of ") + kFormatNames);
+  });
+  return command;
 }
 
-int RunExport(const ExportRequest& request, std::ostream& err) {
+int RunExport(const ExportRequest& request, std::ostream& out, std::ostream& err) {
   HeadlessAnalysis h;
   std::error_code ignored;
   if (!h.Open(request.result, JoinPath(std::filesystem::current_path(ignored).string(), "correl.ini"), err))
@@ -70,6 +77,7 @@ int RunExport(const ExportRequest& request, std::ostream& err) {
     err << "The file " << request.output << " could not be written\n";
     return kFailed;
   }
+  out << request.output << " written\n";
   return kDone;
 }
 

@@ -2,10 +2,12 @@
 // written as one of the result exports.
 #pragma once
 
-#include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace tessiva::cli {
 
@@ -21,11 +23,12 @@ struct ExportRequest {
   bool finalToInitial = false;
 };
 
-// The arguments after "export"; nothing, and the complaint in `problem`, when they are wrong.
-std::optional<ExportRequest> ParseExport(const std::vector<std::string>& args, std::string& problem);
+// Declares "export" and its options on `app`; parsing fills `request`.
+CLI::App* AddExportCommand(CLI::App& app, ExportRequest& request);
 
 // Reads the result (reader, mesh, repair, ranges, strains) and writes the
-// export. A result that can't be read gets the reader's message on `err`.
-int RunExport(const ExportRequest& request, std::ostream& err);
+// export, saying so on `out`. A result that can't be read gets the reader's
+// message on `err`.
+int RunExport(const ExportRequest& request, std::ostream& out, std::ostream& err);
 
 }  // namespace tessiva::cli

@@ -7,6 +7,7 @@
 #include "analysis/newanalyse.h"
 #include "commands.h"
 #include "headlessanalysis.h"
+#include "options.h"
 #include "pickcommand.h"
 #include "state/index.h"
 #include "state/numtext.h"

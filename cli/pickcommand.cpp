@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <set>
@@ -13,6 +12,7 @@
 #include "analysis/newanalyse.h"
 #include "commands.h"
 #include "mapcommand.h"
+#include "options.h"
 #include "results/fieldmap.h"
 #include "results/ranges.h"
 #include "headlessanalysis.h"
@@ -307,19 +307,6 @@ class Picker {
 };
 
 }  // namespace
-
-std::optional<std::vector<double>> Coordinates(const std::string& text) {
-  std::vector<double> values;
-  for (const std::string& part : SplitText(text, ",")) {
-    const std::string number = Trim(part);
-    double value = 0.0;
-    const auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (number.empty() || ec != std::errc() || end != number.data() + number.size() || !std::isfinite(value))
-      return std::nullopt;
-    values.push_back(value);
-  }
-  return values;
-}
 
 std::string CsvField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;

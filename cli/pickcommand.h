@@ -36,9 +36,6 @@ std::optional<PickRequest> ParsePick(const std::vector<std::string>& args, std::
 // selection makes no row on the first member.
 int RunPick(const PickRequest& request, std::ostream& out, std::ostream& err);
 
-// "12.5,40" as numbers; nothing unless every part is a finite number.
-std::optional<std::vector<double>> Coordinates(const std::string& text);
-
 // A CSV field: quoted, with its quotes doubled, when it holds a comma, a
 // quote or a line end.
 std::string CsvField(const std::string& text);

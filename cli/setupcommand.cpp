@@ -1,67 +1,76 @@
 #include "setupcommand.h"
 
-#include <map>
+#include <cstdint>
+#include <limits>
+#include <vector>
 
 #include "commands.h"
+#include "options.h"
+#include "setup/picture.h"
 #include "state/files.h"
+#include "state/numtext.h"
 
 namespace tessiva::cli {
 namespace {
 
-// The whole numbers that follow option `at`, or nothing when they aren't there.
-std::optional<std::vector<int32_t>> Numbers(const std::vector<std::string>& args, size_t at, size_t count) {
-  if (at + count >= args.size()) return std::nullopt;
-  std::vector<int32_t> numbers;
-  for (size_t i = at + 1; i <= at + count; ++i) {
-    const std::optional<int32_t> n = WholeNumber(args[i]);
-    if (!n || *n < 0) return std::nullopt;
-    numbers.push_back(*n);
-  }
-  return numbers;
+// The parameters window's limits of the grid step and the pattern sizes.
+constexpr int64_t kGridMin = 2, kGridMax = 20;
+constexpr int64_t kPatternMin = 6, kPatternMax = 32;
+
+void CheckPicture(const std::string& path) {
+  if (!FileExists(path)) Refuse(path + " not found");
+  if (const std::string problem = PictureProblem(path); !problem.empty()) Refuse(problem);
+}
+
+void CheckRequest(const RectangleSetup& request) {
+  if (!request.dataName.ends_with(".don")) Refuse("the data file's name must end in .don");
+  if (const auto& a = request.area; a && (a->x1 >= a->x2 || a->y1 >= a->y2))
+    Refuse("--area " + StrTrim(a->x1) + " " + StrTrim(a->y1) + " " + StrTrim(a->x2) + " " + StrTrim(a->y2) +
+           ": the corners are reversed; X1 Y1 is the upper left corner, X2 Y2 the lower right one");
+  if (request.lpatMin > request.lpatMax)
+    Refuse("--pattern " + StrTrim(request.lpatMin) + " " + StrTrim(request.lpatMax) +
+           ": the smaller size comes first");
+  CheckPicture(JoinPath(request.dir, request.ref));
+  CheckPicture(JoinPath(request.dir, request.def));
 }
 
 }  // namespace
 
-std::optional<RectangleSetup> ParseSetup(const std::vector<std::string>& args, std::string& problem) {
-  const auto refuse = [&problem](std::string complaint) -> std::optional<RectangleSetup> {
-    problem = std::move(complaint);
-    return std::nullopt;
+CLI::App* AddSetupCommand(CLI::App& app, RectangleSetup& request) {
+  CLI::App* command = app.add_subcommand("setup", "writes the data file of a picture pair, as the setup window would");
+  command->footer(
+      "The data file DIR/NAME.don for the pictures DIR/ref.bmp and DIR/def.bmp: one rectangular area (the\n"
+      "picture less a tenth of its size on each side unless --area is given), the pattern grid, and a start\n"
+      "point at the area's middle found by the start search. The cubic spline is used unless --bilinear.");
+  command->add_option("DIR", request.dir, "the directory of the pictures")->required()->type_name("")->check(Found());
+  command->add_option("--ref", request.ref, "the reference picture in DIR (ref.bmp)")->type_name("NAME")->check(AValue());
+  command->add_option("--def", request.def, "the deformed picture in DIR (def.bmp)")->type_name("NAME")->check(AValue());
+  command->add_option("--data", request.dataName, "the data file to write in DIR (data.don)")
+      ->type_name("NAME.don")
+      ->check(AValue());
+  const auto area = [&request](const std::vector<int32_t>& c) {
+    request.area = RectangleSetup::Corners{c[0], c[1], c[2], c[3]};
   };
-  if (args.empty() || args[0].starts_with("-")) return refuse("setup needs the directory of the pictures");
-  RectangleSetup job;
-  job.dir = args[0];
-  const std::map<std::string, std::string*> names{{"--ref", &job.ref}, {"--def", &job.def}, {"--data", &job.dataName}};
-  for (size_t i = 1; i < args.size(); ++i) {
-    const std::string& option = args[i];
-    if (const auto name = names.find(option); name != names.end()) {
-      if (i + 1 == args.size()) return refuse(option + " needs a file name");
-      *name->second = args[++i];
-    } else if (option == "--area") {
-      const auto n = Numbers(args, i, 4);
-      if (!n) return refuse("--area needs four whole numbers X1 Y1 X2 Y2");
-      job.area = RectangleSetup::Corners{(*n)[0], (*n)[1], (*n)[2], (*n)[3]};
-      i += 4;
-    } else if (option == "--grid") {
-      const auto n = Numbers(args, i, 1);
-      if (!n) return refuse("--grid needs a whole number");
-      job.lgrid = (*n)[0];
-      i += 1;
-    } else if (option == "--pattern") {
-      const auto n = Numbers(args, i, 2);
-      if (!n) return refuse("--pattern needs two whole numbers MIN MAX");
-      job.lpatMin = (*n)[0];
-      job.lpatMax = (*n)[1];
-      i += 2;
-    } else if (option == "--bilinear") {
-      job.interpolation = 0;
-    } else if (option == "--large-strain") {
-      job.largeStrain = 1;
-    } else {
-      return refuse("unexpected argument " + option);
-    }
-  }
-  if (!job.dataName.ends_with(".don")) return refuse("the data file's name must end in .don");
-  return job;
+  command->add_option_function<std::vector<int32_t>>("--area", area, "the area's upper left and lower right corners, pixels")
+      ->option_text("X1 Y1 X2 Y2")
+      ->expected(4)
+      ->check(WholeIn(0, std::numeric_limits<int32_t>::max()));
+  command->add_option("--grid", request.lgrid, "the grid step, pixels, 2 to 20 (10)")
+      ->type_name("N")
+      ->check(WholeIn(kGridMin, kGridMax));
+  const auto pattern = [&request](const std::vector<int32_t>& sizes) {
+    request.lpatMin = sizes[0];
+    request.lpatMax = sizes[1];
+  };
+  command->add_option_function<std::vector<int32_t>>("--pattern", pattern,
+                                                      "the smallest and largest pattern, pixels, 6 to 32 (21 25)")
+      ->option_text("MIN MAX")
+      ->expected(2)
+      ->check(WholeIn(kPatternMin, kPatternMax));
+  command->add_flag_callback("--bilinear", [&request] { request.interpolation = 0; }, "bilinear interpolation");
+  command->add_flag_callback("--large-strain", [&request] { request.largeStrain = 1; }, "large strains");
+  command->callback([&request] { CheckRequest(request); });
+  return command;
 }
 
 int RunSetup(const RectangleSetup& request, std::ostream& out, std::ostream& err) {

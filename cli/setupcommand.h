@@ -2,19 +2,20 @@
 // pair, made as the setup window makes it (grid, start search, walk check).
 #pragma once
 
-#include <optional>
 #include <ostream>
-#include <string>
-#include <vector>
 
 #include "setup/rectanglesetup.h"
 
+namespace CLI {
+class App;
+}
+
 namespace tessiva::cli {
 
-// The arguments after "setup": DIR [--ref NAME] [--def NAME] [--data NAME]
-// [--area X1 Y1 X2 Y2] [--grid N] [--pattern MIN MAX] [--bilinear]
-// [--large-strain]. Nothing, and the complaint in `problem`, when they are wrong.
-std::optional<RectangleSetup> ParseSetup(const std::vector<std::string>& args, std::string& problem);
+// Declares "setup" and its options on `app`; parsing fills `request`. The
+// pictures must be there and be pictures, the area's corners in order, and
+// the grid step and pattern sizes within the parameters window's limits.
+CLI::App* AddSetupCommand(CLI::App& app, RectangleSetup& request);
 
 int RunSetup(const RectangleSetup& request, std::ostream& out, std::ostream& err);
 
