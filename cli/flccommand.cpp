@@ -152,45 +152,42 @@ class FlcRun {
 
 }  // namespace
 
-std::optional<FlcRequest> ParseFlc(const std::vector<std::string>& args, std::string& problem) {
-  const auto refuse = [&problem](std::string complaint) -> std::optional<FlcRequest> {
-    problem = std::move(complaint);
-    return std::nullopt;
+CLI::App* AddFlcCommand(CLI::App& app, FlcRequest& request) {
+  CLI::App* command = app.add_subcommand("flc", "the forming-limit determination of the analysis window");
+  command->footer(
+      "The determination of the field \"FLC Determination\", on a result or on each member of a sequence.\n"
+      "The section of 79 points is laid across the neck, the points of the neck (between the inner bounds\n"
+      "of the fit windows, where the major strain bends up most) are rejected, and the limit strains are\n"
+      "read from the rest; the section and its states are kept along the sequence. Prints the section of\n"
+      "the last member (abscissa in pixels, strains in %, state 1 fitted, 0 no data, -1 rejected), then\n"
+      "the limit strains, one row a member.\n"
+      "Methods: cosine, the cosine-linear fit, its extremes and quality; iso12004, the cross-section\n"
+      "method of ISO 12004-2, an inverse parabola fitted on windows 10 (1 + E2/E1) mm wide either side.\n"
+      "The forming-limit curve comes from correl.ini in the current directory, when there is one.");
+  command->add_option("INPUT", request.input, "a result (.res) or a sequence (.seq)")
+      ->required()
+      ->type_name("")
+      ->check(Found());
+  AddPositions(*command, "--band", "X1,Y1,X2,Y2", 4,
+               "picture pixels: the section tool's line across the neck; without it the section runs between the "
+               "result's two areas",
+               [&request](const std::vector<double>& b) { request.band = std::array<double, 4>{b[0], b[1], b[2], b[3]}; });
+  command->add_option("--position", request.position, "\"Line position\", 0 to 100 across the band (50)")
+      ->type_name("P")
+      ->check(WholeIn(0, 100));
+  command->add_option_function<std::string>(
+             "--side", [&request](const std::string& side) { request.side = side == "left" ? 1 : 2; },
+             "that half of the section only, mirrored about its middle")
+      ->type_name("left|right")
+      ->check(OneOf({"left", "right"}));
+  const auto method = [&request](const std::string& name) {
+    request.method = name == "iso12004" ? FlcMethod::Iso12004 : FlcMethod::CosineLinear;
   };
-  FlcRequest request;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    if (arg == "--csv") {
-      request.csv = true;
-      continue;
-    }
-    if (arg == "--band" || arg == "--position" || arg == "--side" || arg == "--method") {
-      if (i + 1 == args.size()) return refuse(arg + " needs a value");
-      const std::string& value = args[++i];
-      if (arg == "--band") {
-        const auto at = Coordinates(value);
-        if (!at || at->size() != 4) return refuse("--band takes X1,Y1,X2,Y2 in picture pixels, not " + value);
-        request.band = std::array<double, 4>{(*at)[0], (*at)[1], (*at)[2], (*at)[3]};
-      } else if (arg == "--position") {
-        const auto position = WholeNumber(value);
-        if (!position || *position < 0 || *position > 100)
-          return refuse("--position takes a whole number from 0 to 100, not " + value);
-        request.position = *position;
-      } else if (arg == "--side") {
-        if (value != "left" && value != "right") return refuse("--side takes left or right, not " + value);
-        request.side = value == "left" ? 1 : 2;
-      } else {
-        if (value != "cosine" && value != "iso12004") return refuse("--method takes cosine or iso12004, not " + value);
-        request.method = value == "iso12004" ? FlcMethod::Iso12004 : FlcMethod::CosineLinear;
-      }
-    } else if (arg.starts_with("-") || !request.input.empty()) {
-      return refuse("unexpected argument " + arg);
-    } else {
-      request.input = arg;
-    }
-  }
-  if (request.input.empty()) return refuse("flc needs a result or sequence file");
-  return request;
+  command->add_option_function<std::string>("--method", method, "how the limit strains are read (cosine)")
+      ->type_name("cosine|iso12004")
+      ->check(OneOf({"cosine", "iso12004"}));
+  command->add_flag("--csv", request.csv, "comma separated, LF line ends");
+  return command;
 }
 
 int RunFlc(const FlcRequest& request, std::ostream& out, std::ostream& err) { return FlcRun(request, err).Run(out); }

@@ -10,9 +10,12 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include "analysis/formlimits.h"
+
+namespace CLI {
+class App;
+}
 
 namespace tessiva::cli {
 
@@ -30,9 +33,8 @@ struct FlcRequest {
   bool csv = false;
 };
 
-// The arguments after "flc"; nothing, and the complaint in `problem`, when
-// they are wrong.
-std::optional<FlcRequest> ParseFlc(const std::vector<std::string>& args, std::string& problem);
+// Declares "flc" and its options on `app`; parsing fills `request`.
+CLI::App* AddFlcCommand(CLI::App& app, FlcRequest& request);
 
 // Lays the section on the first member, rejects the points of the neck
 // (those between the inner bounds of the fit windows), and carries the

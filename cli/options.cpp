@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <filesystem>
@@ -67,6 +68,17 @@ CLI::Validator NumberIn(NumberRange range) {
 
 CLI::Validator Positive() { return NumberIn({.min = 0.0, .minIncluded = false}); }
 
+CLI::Validator OneOf(std::vector<std::string> names) {
+  return CLI::Validator(
+      [names](std::string& text) -> std::string {
+        if (std::find(names.begin(), names.end(), text) != names.end()) return {};
+        std::string list;
+        for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
+        return LooksLikeOption(text) ? MissingBefore(text) : text + " is not one of " + list;
+      },
+      "");
+}
+
 CLI::Validator Found() {
   return CLI::Validator(
       [](std::string& path) -> std::string {
@@ -92,14 +104,15 @@ std::optional<std::vector<double>> Coordinates(const std::string& text) {
   return values;
 }
 
-CLI::Option* AddPositions(CLI::App& command, const std::string& name, std::vector<double>& into,
-                          const std::string& form, std::optional<size_t> count, const std::string& description) {
-  const auto read = [&into, name, form, count](const std::string& text) {
+CLI::Option* AddPositions(CLI::App& command, const std::string& name, const std::string& form,
+                          std::optional<size_t> count, const std::string& description,
+                          std::function<void(const std::vector<double>&)> take) {
+  const auto read = [take = std::move(take), name, form, count](const std::string& text) {
     if (LooksLikeOption(text)) Refuse(name + ": " + MissingBefore(text));
     const auto numbers = Coordinates(text);
     if (!numbers || (count && numbers->size() != *count))
       Refuse(name + " takes " + form + ", numbers separated by commas, not " + text);
-    into = *numbers;
+    take(*numbers);
   };
   return command.add_option_function<std::string>(name, read, description)->type_name(form);
 }

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +31,9 @@ CLI::Validator NumberIn(NumberRange range);
 // Above zero, for lengths, radii and factors.
 CLI::Validator Positive();
 
+// One of `names`, as written.
+CLI::Validator OneOf(std::vector<std::string> names);
+
 // A file or directory that is there; "... not found" otherwise.
 CLI::Validator Found();
 
@@ -40,10 +44,11 @@ CLI::Validator AValue();
 // "12.5,40" as numbers; nothing unless every part is a finite number.
 std::optional<std::vector<double>> Coordinates(const std::string& text);
 
-// An option of comma-separated numbers ("X1,Y1,X2,Y2"), read into `into`:
+// An option of comma-separated numbers ("X1,Y1,X2,Y2"), handed to `take`:
 // `form` names them in the help and in the complaint; `count`, when given,
 // is how many there must be.
-CLI::Option* AddPositions(CLI::App& command, const std::string& name, std::vector<double>& into,
-                          const std::string& form, std::optional<size_t> count, const std::string& description);
+CLI::Option* AddPositions(CLI::App& command, const std::string& name, const std::string& form,
+                          std::optional<size_t> count, const std::string& description,
+                          std::function<void(const std::vector<double>&)> take);
 
 }  // namespace tessiva::cli

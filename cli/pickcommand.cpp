@@ -315,55 +315,70 @@ std::string CsvField(const std::string& text) {
   return quoted + '"';
 }
 
-std::optional<PickRequest> ParsePick(const std::vector<std::string>& args, std::string& problem) {
-  const auto refuse = [&problem](std::string complaint) -> std::optional<PickRequest> {
-    problem = std::move(complaint);
-    return std::nullopt;
-  };
-  PickRequest request;
-  std::optional<std::string> tool, at, field;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    if (arg == "--csv") {
-      request.csv = true;
-    } else if (arg == "--tool" || arg == "--at" || arg == "--field") {
-      if (i + 1 == args.size()) return refuse(arg + " needs a value");
-      (arg == "--tool" ? tool : arg == "--at" ? at : field) = args[++i];
-    } else if (arg.starts_with("-") || !request.input.empty()) {
-      return refuse("unexpected argument " + arg);
-    } else {
-      request.input = arg;
-    }
-  }
-  if (request.input.empty()) return refuse("pick needs a result or sequence file");
-  std::string toolNames;
-  for (const CliTool& t : kTools) toolNames += (toolNames.empty() ? "" : ", ") + std::string(t.name);
-  if (!tool) return refuse("give the tool with --tool " + toolNames);
-  const CliTool* chosen = ToolOfName(*tool);
-  if (!chosen) return refuse("unknown tool " + *tool + "; the tools are " + toolNames);
-  request.toolKey = chosen->key;
-  if (!field) return refuse("give the field to pick with --field NAME");
-  const auto index = FieldIndexOfName(*field);
-  if (!index) return refuse(UnknownFieldComplaint(*field));
-  const FieldEntry* entry = FieldAt(*index);
+namespace {
+
+std::string ToolNames() {
+  std::string names;
+  for (const CliTool& t : kTools) names += (names.empty() ? "" : ", ") + std::string(t.name);
+  return names;
+}
+
+// The field must give the tool something to read, and --at as many positions as the tool takes.
+void CheckPick(const PickRequest& request) {
+  const std::string tool = NameOfKey(request.toolKey);
+  const FieldEntry* entry = FieldAt(request.field);
   if (entry->view == kViewFlcDiagram || entry->view == kViewFlcDetermination)
-    return refuse("the picking tools don't work on the " + std::string(entry->listText) + " view");
+    Refuse("the picking tools don't work on the " + std::string(entry->listText) + " view");
   // The meshes and the vectors are drawings: the point, line and rectangle read no value from them.
-  const bool readsField = chosen->key == "point" || chosen->key == "trait" || chosen->key == "rectangle";
+  const bool readsField = request.toolKey == "point" || request.toolKey == "trait" || request.toolKey == "rectangle";
   if (readsField && (entry->view == kViewDeformedMesh || entry->view == kViewVectors))
-    return refuse("the " + std::string(chosen->name) + " reads no value from the " + std::string(entry->listText) +
-                  " view; give a field");
-  request.field = *index;
-  const bool point = chosen->name == "point";
-  const std::string form = point ? "X,Y" : "X1,Y1,X2,Y2";
-  if (!at) return refuse("give the " + std::string(chosen->name) + "'s position with --at " + form);
-  const auto coordinates = Coordinates(*at);
-  if (!coordinates) return refuse("--at needs numbers separated by commas, not " + *at);
-  if (coordinates->size() != (point ? 2u : 4u))
-    return refuse("the " + std::string(chosen->name) + " takes " + (point ? "one position" : "two positions") +
-                  ", --at " + form + ", not " + *at);
-  request.at = *coordinates;
-  return request;
+    Refuse("the " + tool + " reads no value from the " + std::string(entry->listText) + " view; give a field");
+  const bool point = request.toolKey == "point";
+  if (request.at.size() != (point ? 2u : 4u))
+    Refuse("the " + tool + " takes " + (point ? "one position, --at X,Y" : "two positions, --at X1,Y1,X2,Y2"));
+}
+
+}  // namespace
+
+CLI::App* AddPickCommand(CLI::App& app, PickRequest& request) {
+  CLI::App* command = app.add_subcommand("pick", "uses a picking tool of the analysis window and prints its table");
+  command->footer(
+      "On a result, or on each member of a sequence in turn, the table the data collector makes: tab\n"
+      "separated with CR LF line ends as the window gives it, or CSV. The selection is made on the first\n"
+      "member, then replayed on each following one: a point and a gauge add one row per member, a line\n"
+      "and a rectangle give one table per member. A rosette is the square of the larger side to the lower\n"
+      "right of the start.");
+  command->add_option("INPUT", request.input, "a result (.res) or a sequence (.seq)")
+      ->required()
+      ->type_name("")
+      ->check(Found());
+  const auto tool = [&request](const std::string& name) {
+    const CliTool* chosen = ToolOfName(name);
+    if (!chosen) Refuse("unknown tool " + name + "; the tools are " + ToolNames());
+    request.toolKey = chosen->key;
+  };
+  command->add_option_function<std::string>("--tool", tool, ToolNames() + " (a linear strain gage: gauge)")
+      ->type_name("TOOL")
+      ->required()
+      ->check(AValue());
+  AddPositions(*command, "--at", "X1,Y1[,X2,Y2]", std::nullopt,
+               "picture pixels, as the pointer gives them: the point, or where the drag starts and ends",
+               [&request](const std::vector<double>& at) { request.at = at; })
+      ->required();
+  const auto field = [&request](const std::string& name) {
+    const auto index = FieldIndexOfName(name);
+    if (!index) Refuse(UnknownFieldComplaint(name));
+    request.field = *index;
+  };
+  command->add_option_function<std::string>("--field", field, "the field, as map --list-fields names it, case ignored")
+      ->type_name("NAME")
+      ->required()
+      ->check(AValue());
+  command->add_flag("--csv", request.csv,
+                    "comma separated, a header naming each column with its unit, LF line ends; a rectangle gives one "
+                    "row a cell: file, X, Y, value");
+  command->callback([&request] { CheckPick(request); });
+  return command;
 }
 
 int RunPick(const PickRequest& request, std::ostream& out, std::ostream& err) {

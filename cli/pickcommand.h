@@ -4,10 +4,13 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace tessiva::cli {
 
@@ -24,9 +27,9 @@ struct PickRequest {
   bool csv = false;
 };
 
-// The arguments after "pick"; nothing, and the complaint in `problem`, when
-// they are wrong. An unknown tool's or field's complaint lists the valid names.
-std::optional<PickRequest> ParsePick(const std::vector<std::string>& args, std::string& problem);
+// Declares "pick" and its options on `app`; parsing fills `request`. An
+// unknown tool's or field's complaint lists the valid names.
+CLI::App* AddPickCommand(CLI::App& app, PickRequest& request);
 
 // Reads the first member, makes the selection there with the pointer, replays
 // it on each following member as a change of file does, and prints the

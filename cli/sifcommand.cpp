@@ -129,45 +129,36 @@ class SifRun {
 
 }  // namespace
 
-std::optional<SifRequest> ParseSif(const std::vector<std::string>& args, std::string& problem) {
-  const auto refuse = [&problem](std::string complaint) -> std::optional<SifRequest> {
-    problem = std::move(complaint);
-    return std::nullopt;
+CLI::App* AddSifCommand(CLI::App& app, SifRequest& request) {
+  CLI::App* command = app.add_subcommand("sif", "the stress intensity factors of a crack, as the crack tool measures them");
+  command->footer(
+      "On a result or on each member of a sequence: one row a member of J, KI, KII, KIfromJ (from J),\n"
+      "JfromKs (from KI and KII) and the direction of growth in degrees on the picture (from +x towards +y,\n"
+      "downwards). Plane stress, with the result's Young modulus (MPa) and Poisson ratio: J in Pa x unit,\n"
+      "K in Pa x unit^0.5, the unit being the result's length unit.");
+  command->add_option("INPUT", request.input, "a result (.res) or a sequence (.seq)")
+      ->required()
+      ->type_name("")
+      ->check(Found());
+  const auto crack = [&request](const std::vector<double>& c) {
+    request.xTip = c[0], request.yTip = c[1], request.xStart = c[2], request.yStart = c[3];
   };
-  SifRequest request;
-  std::optional<std::string> crack, radius, klarg;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    if (arg == "--csv") {
-      request.csv = true;
-    } else if (arg == "--crack" || arg == "--radius" || arg == "--klarg") {
-      if (i + 1 == args.size()) return refuse(arg + " needs a value");
-      (arg == "--crack" ? crack : arg == "--radius" ? radius : klarg) = args[++i];
-    } else if (arg.starts_with("-") || !request.input.empty()) {
-      return refuse("unexpected argument " + arg);
-    } else {
-      request.input = arg;
-    }
-  }
-  if (request.input.empty()) return refuse("sif needs a result or sequence file");
-  if (!crack) return refuse("give the crack with --crack XTIP,YTIP,XSTART,YSTART");
-  const auto ends = Coordinates(*crack);
-  if (!ends || ends->size() != 4) return refuse("--crack needs four numbers XTIP,YTIP,XSTART,YSTART, not " + *crack);
-  request.xTip = (*ends)[0], request.yTip = (*ends)[1], request.xStart = (*ends)[2], request.yStart = (*ends)[3];
-  const auto positive = [](const std::string& text) -> std::optional<double> {
-    const auto value = Coordinates(text);
-    if (!value || value->size() != 1 || !((*value)[0] > 0)) return std::nullopt;
-    return (*value)[0];
-  };
-  if (!radius) return refuse("give the ring's radius with --radius R (pixels)");
-  const auto r = positive(*radius);
-  if (!r) return refuse("--radius needs a positive number of pixels, not " + *radius);
-  request.radius = *r;
-  if (klarg) {
-    request.klarg = positive(*klarg);
-    if (!request.klarg) return refuse("--klarg needs a positive number of grid steps, not " + *klarg);
-  }
-  return request;
+  AddPositions(*command, "--crack", "XTIP,YTIP,XSTART,YSTART", 4,
+               "picture pixels: the crack's tip, then its start; at least three grid steps long", crack)
+      ->required();
+  command->add_option("--radius", request.radius,
+                      "pixels: the integrals run over the ring from 0.4 R to 0.8 R round the tip; keep 0.8 R within "
+                      "the crack's length")
+      ->type_name("R")
+      ->required()
+      ->check(Positive());
+  command->add_option_function<double>(
+             "--klarg", [&request](double k) { request.klarg = k; },
+             "half width of the band left out along the crack, in grid steps (above 0; 3 when not given)")
+      ->type_name("K")
+      ->check(Positive());
+  command->add_flag("--csv", request.csv, "comma separated with units in the header, LF line ends");
+  return command;
 }
 
 int RunSif(const SifRequest& request, std::ostream& out, std::ostream& err) { return SifRun(request, err).Run(out); }

@@ -6,7 +6,10 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace tessiva::cli {
 
@@ -21,9 +24,8 @@ struct SifRequest {
   bool csv = false;
 };
 
-// The arguments after "sif"; nothing, and the complaint in `problem`, when
-// they are wrong.
-std::optional<SifRequest> ParseSif(const std::vector<std::string>& args, std::string& problem);
+// Declares "sif" and its options on `app`; parsing fills `request`.
+CLI::App* AddSifCommand(CLI::App& app, SifRequest& request);
 
 // Reads each member and measures the crack on it. Nothing is printed when a
 // member can't be read, the crack lies off the picture, is shorter than

@@ -130,10 +130,10 @@ TEST_F(Flc, BadInputPrintsNothing) {
       {{"flc", plain, "--band", "40,128,400,128"}, "lies off the picture"},
       {{"flc", plain, "--band", "40,128,40,128"}, "has no length"},
       {{"flc", plain, "--band", "40,128,220"}, "--band takes X1,Y1,X2,Y2"},
-      {{"flc", plain, "--position", "101"}, "--position takes a whole number from 0 to 100"},
-      {{"flc", plain, "--side", "up"}, "--side takes left or right"},
-      {{"flc", plain, "--method", "spline"}, "--method takes cosine or iso12004"},
-      {{"flc"}, "flc needs a result or sequence file"},
+      {{"flc", plain, "--position", "101"}, "--position: 101 is out of range (0 to 100)"},
+      {{"flc", plain, "--side", "up"}, "--side: up is not one of left, right"},
+      {{"flc", plain, "--method", "spline"}, "--method: spline is not one of cosine, iso12004"},
+      {{"flc"}, "INPUT is required"},
   };
   for (const Case& c : cases) {
     const Outcome o = RunCommand(c.args);

@@ -177,7 +177,7 @@ TEST_F(Pick, BadInputIsRefusedWithItsReasonAndLeavesNoFile) {
       {pick("point", "80,90", "strain"), kUsageError, "unknown field strain; the fields are:\n  1 displacement\n"},
       {pick("point", "80,90", "FLC Diagram"), kUsageError, "don't work on the FLC Diagram view"},
       {pick("line", "70,80,100,80", "Deformed Mesh"), kUsageError, "the line reads no value from the Deformed Mesh view"},
-      {pick("point", "80;90"), kUsageError, "--at needs numbers separated by commas, not 80;90"},
+      {pick("point", "80;90"), kUsageError, "--at takes X1,Y1[,X2,Y2], numbers separated by commas, not 80;90"},
       {pick("line", "80,90"), kUsageError, "the line takes two positions, --at X1,Y1,X2,Y2"},
       {pick("point", "80,90,100,90"), kUsageError, "the point takes one position"},
       {pick("point", "300,80"), kFailed, "The position 300,80 lies off the picture of r.res"},
@@ -187,7 +187,7 @@ TEST_F(Pick, BadInputIsRefusedWithItsReasonAndLeavesNoFile) {
       {pick("line", "10,10,40,10"), kFailed, "crosses no pattern of r.res"},
       {pick("gauge", "70,80,73,80"), kFailed, "shorter than the grid step (8 pixels)"},
       {pick("gauge", "40,80,90,80"), kFailed, "A corner of the gauge from 40,80 to 90,80 lies where no pattern"},
-      {pick("point", "80,90", "norm", dir.File("none.res")), kFailed, "none.res"},
+      {pick("point", "80,90", "norm", dir.File("none.res")), kUsageError, dir.File("none.res") + " not found"},
       {pick("point", "80,90", "norm", seq), kFailed, "missing.res"},
   };
   for (const Case& c : cases) {
