@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "exportcommand.h"
+#include "filmcommand.h"
 #include "flccommand.h"
 #include "mapcommand.h"
 #include "options.h"
@@ -124,7 +125,7 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   const std::vector<Command> commands{Declare(app, AddExportCommand, RunExport), Declare(app, AddSetupCommand, RunSetup),
                                       Declare(app, AddFlcCommand, RunFlc), Declare(app, AddPickCommand, RunPick),
-                                      Declare(app, AddSifCommand, RunSif)};
+                                      Declare(app, AddSifCommand, RunSif), Declare(app, AddFilmCommand, RunFilm)};
   const std::vector<std::pair<CLI::App*, OldParser>> old{
       {app.add_subcommand("map")->prefix_command(), Old(ParseMap, RunMap)},
       {app.add_subcommand("synth")->prefix_command(), Old(ParseSynth, RunSynth)}};

@@ -8,7 +8,6 @@
 #include "state/numtext.h"
 
 #if TESSIVA_CLI_MAPS
-#include <cstdio>
 #include <filesystem>
 #include <set>
 
@@ -17,16 +16,9 @@
 #include "formats/seqfile.h"
 #include "state/files.h"
 #include "state/index.h"
-#include <QBuffer>
-#include <QByteArray>
-#include <QFont>
-#include <QFontMetrics>
-#include <QGuiApplication>
-#include <QImage>
-#include <QPainter>
-
-#include "qimagecanvas.h"
 #include "headlessanalysis.h"
+#include "offscreen.h"
+#include "qimagecanvas.h"
 #endif
 
 namespace tessiva::cli {
@@ -38,13 +30,6 @@ std::string FieldNames() {
     if (entry.view) names += std::string(entry.listText) + '\n';
   return names;
 }
-
-// Texts, bar and margins grow with the map, one step per 800 pixels of its
-// larger side, so that they stay readable when a large map is shown shrunk.
-int LayoutScale(int mapWidth, int mapHeight) { return std::max(1, std::max(mapWidth, mapHeight) / 800); }
-
-constexpr int kMargin = 12;
-constexpr int kTitleBand = 28;
 
 }  // namespace
 
@@ -128,11 +113,6 @@ std::string MemberPictureName(const std::string& resultName, const std::string& 
   return name + "-" + safe + ".png";
 }
 
-PicturePoint MapOrigin(int mapWidth, int mapHeight) {
-  const int k = LayoutScale(mapWidth, mapHeight);
-  return {kMargin * k, (kMargin + kTitleBand) * k};
-}
-
 #if !TESSIVA_CLI_MAPS
 
 int RunMap(const MapRequest& request, std::ostream& out, std::ostream& err) {
@@ -148,81 +128,14 @@ int RunMap(const MapRequest& request, std::ostream& out, std::ostream& err) {
 
 namespace {
 
-// The window's colour bar measures 318 x 40 pixels; under a wider map it spans the map.
-constexpr int kBarWidth = 318;
+// The window's colour bar measures 318 x 40 pixels.
 constexpr int kBarHeight = 40;
 // Maps above this many pixels (8 bytes each, map and picture) are refused.
 constexpr int64_t kMaxMapPixels = int64_t{1} << 27;
-constexpr QRgb kFrameGrey = 0xFF808080u;
 
-// Qt's notes about the desktop session (no runtime directory, no screen)
-// mean nothing on the command line; its errors still go to standard error.
-void QuietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& message) {
-  if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(message));
-}
-
-// Painting text needs a Qt Gui application; the command line makes one that
-// paints off any screen, once, and keeps it for the life of the process.
-bool GuiReady() {
-  if (QCoreApplication::instance()) return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-  qInstallMessageHandler(QuietQtMessages);
-  static int argc = 3;
-  static char name[] = "tessiva-cli", option[] = "-platform", platform[] = "offscreen";
-  static char* argv[] = {name, option, platform, nullptr};
-  static QGuiApplication* const app = new QGuiApplication(argc, argv);
-  return app != nullptr;
-}
-
-QString Q(const std::string& text) { return QString::fromStdString(Trim(text)); }
-
-// The title over the map, the map framed in grey, then the scale's caption,
-// the bar with a tick under each of its five labels.
-QImage Compose(const QImage& map, const QImage& bar, const ControlRegistry& c) {
-  const int k = LayoutScale(map.width(), map.height());
-  QFont titleFont, textFont;
-  titleFont.setPixelSize(16 * k);
-  titleFont.setBold(true);
-  textFont.setPixelSize(12 * k);
-  const QFontMetrics titleMetrics(titleFont), textMetrics(textFont);
-  const QString title = Q(c.Text("Titre")), caption = Q(c.Text("CadreIso"));
-  const PicturePoint origin = MapOrigin(map.width(), map.height());
-  const int margin = kMargin * k, gap = 4 * k, tick = 4 * k;
-  const int captionTop = origin.y + map.height() + 4 * gap;
-  const int barTop = captionTop + textMetrics.height() + gap;
-  const int labelTop = barTop + bar.height() + tick + gap / 2;
-  const int width = 2 * margin + std::max({map.width(), bar.width(), titleMetrics.horizontalAdvance(title),
-                                           textMetrics.horizontalAdvance(caption)});
-  QImage picture(width, labelTop + textMetrics.height() + margin, QImage::Format_RGB32);
-  if (picture.isNull()) return picture;
-  picture.fill(Qt::white);
-  QPainter p(&picture);
-  p.setPen(Qt::black);
-  p.setFont(titleFont);
-  p.drawText(QRect(margin, margin, width - 2 * margin, kTitleBand * k), Qt::AlignLeft | Qt::AlignVCenter, title);
-  p.drawImage(origin.x, origin.y, map);
-  p.setPen(QColor::fromRgb(kFrameGrey));
-  p.drawRect(origin.x - 1, origin.y - 1, map.width() + 1, map.height() + 1);
-  p.setPen(Qt::black);
-  p.setFont(textFont);
-  p.drawText(margin, captionTop + textMetrics.ascent(), caption);
-  p.drawImage(margin, barTop, bar);
-  for (int j = 0; j <= 4; ++j) {
-    const QString label = Q(c.Text("LabEchelle(" + std::to_string(j) + ")"));
-    const int at = margin + (bar.width() - 1) * j / 4;
-    p.drawLine(at, barTop + bar.height(), at, barTop + bar.height() + tick - 1);
-    const int w = textMetrics.horizontalAdvance(label);
-    const int left = std::clamp(at - w / 2, margin, margin + bar.width() - w);
-    p.drawText(left, labelTop + textMetrics.ascent(), label);
-  }
-  return picture;
-}
-
-std::optional<std::string> PngBytes(const QImage& picture) {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  if (picture.isNull() || !buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")) return std::nullopt;
-  return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
+// The legend grows with the map, one step per 800 pixels of its larger side,
+// so that it stays readable when a large map is shown shrunk.
+int LayoutScale(int mapWidth, int mapHeight) { return std::max(1, std::max(mapWidth, mapHeight) / 800); }
 
 // The maps of a sequence are written beside their final names and renamed
 // once every member is painted, so that a member that can't be read leaves
@@ -297,7 +210,7 @@ class MapPainter {
   MapPainter(const MapRequest& request, std::ostream& err) : request_(request), err_(err) {}
 
   int Run(std::ostream& out) {
-    if (!GuiReady()) return Fail("tessiva-cli: Qt's offscreen painting could not be started");
+    if (!OffscreenGuiReady()) return Fail("tessiva-cli: Qt's offscreen painting could not be started");
     // The palette and the window's options come from the correl.ini of the current directory.
     std::error_code ignored;
     if (!h_.Open(request_.input, JoinPath(std::filesystem::current_path(ignored).string(), "correl.ini"), err_))
@@ -358,7 +271,7 @@ class MapPainter {
     }
     const int k = LayoutScale(bounds.width, bounds.height);
     QImageCanvas map(bounds.width, bounds.height);
-    QImageCanvas bar(std::max(kBarWidth * k, bounds.width), kBarHeight * k);
+    QImageCanvas bar(kCaptureLegendWidth * k, kBarHeight * k);
     if (map.Image().isNull() || bar.Image().isNull()) {
       Fail("There is not enough memory to paint a map of " + std::to_string(bounds.width) + " x " +
            std::to_string(bounds.height) + " pixels");
@@ -367,12 +280,13 @@ class MapPainter {
     window_.PicAna = &map;
     window_.IsoPic = &bar;
     const bool chosen = h_.ChooseField(request_.field, err_);
+    std::optional<std::string> png;
+    if (chosen) png = ComposedPng(window_, {.texts = false, .axes = false, .scale = k, .trimFrame = false});
     window_.PicAna = nullptr;
     window_.IsoPic = nullptr;
     if (!chosen) return std::nullopt;
     if (window_.Ranges.MaxU == NewAnalyse::kNoData || window_.Ranges.MaxV == NewAnalyse::kNoData)
       err_ << "tessiva-cli: warning: " << s_.DataFilePath[At(i)] << " holds no valid pattern; its map shows the picture alone\n";
-    const auto png = PngBytes(Compose(map.Image(), bar.Image(), window_.Controls()));
     if (!png) Fail("The map of " + s_.DataFilePath[At(i)] + " could not be made into a PNG picture");
     return png;
   }

@@ -1,5 +1,7 @@
 // tessiva-cli map: a field of a result, or of each member of a sequence,
-// painted by the analysis window's logic and written as a PNG picture.
+// painted by the analysis window's logic and written as a PNG picture: the
+// map at the top left, the colour bar's frame below it, composed as the
+// window's captures are.
 #pragma once
 
 #include <cstdint>
@@ -46,14 +48,6 @@ std::string UnknownFieldComplaint(const std::string& name);
 // ASCII letters, digits, '.', '-' and '_' made one '_' ("r1.res" and
 // "Teta(1,I)" give "r1-Teta_1_I.png").
 std::string MemberPictureName(const std::string& resultName, const std::string& fieldText);
-
-// Where the map's pixel (0, 0) lies in the written picture, for a map of that
-// size: the margin, and the title's band above the map.
-struct PicturePoint {
-  int x = 0;
-  int y = 0;
-};
-PicturePoint MapOrigin(int mapWidth, int mapHeight);
 
 // Lists the fields, or reads the result (every member of a sequence, in
 // order) and writes its maps. Nothing is written unless every map is made.

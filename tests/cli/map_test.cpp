@@ -59,11 +59,8 @@ class Map : public ::testing::Test {
                            tessiva::testing::GridPatterns(field, kFirst, kFirst, kCount, kCount, kStep, kStep));
   }
 
-  // The map's pixel (x, y) in the written picture.
-  static QRgb MapPixel(const QImage& picture, int x, int y) {
-    const PicturePoint origin = MapOrigin(kSide, kSide);
-    return picture.pixel(origin.x + x, origin.y + y) & 0xFFFFFFu;
-  }
+  // The map's pixel (x, y) in the written picture, where the map stands at the top left.
+  static QRgb MapPixel(const QImage& picture, int x, int y) { return picture.pixel(x, y) & 0xFFFFFFu; }
 
   tessiva::testing::TempDir dir;
 };
