@@ -10,9 +10,12 @@
 #include <QPainterPath>
 #include <QToolButton>
 #include <cmath>
+#include <algorithm>
 #include <functional>
+#include <optional>
 
 #include "analysis/newanalyse.h"
+#include "analysis/toolbar1.h"
 #include "registrybinding.h"
 
 namespace tessiva {
@@ -45,6 +48,28 @@ void TickAcross(QPainter& p, QPointF a, QPointF b, double half) {
   const double length = std::hypot(d.x(), d.y());
   const QPointF normal(-d.y() / length * half, d.x() / length * half);
   p.drawLine(b - normal, b + normal);
+}
+
+// The navigation keys and Run: triangles pointing the way they go, with a
+// stop bar at the ends of the sequence; Run plays inside a circle.
+std::optional<QIcon> NavigationIcon(std::string_view key) {
+  const bool back = key == "Initial" || key == "PreviousFile";
+  const bool toEnd = key == "Initial" || key == "Final";
+  if (!back && !toEnd && key != "NextFile" && key != "Run") return std::nullopt;
+  const bool run = key == "Run";
+  return PaintedIcon([back, toEnd, run](QPainter& p) {
+    const auto x = [back](double at) { return back ? 24 - at : at; };
+    if (run) {
+      p.setPen(Pen(kInk, 1.2));
+      p.setBrush(kFill);
+      p.drawEllipse(QPointF(12, 12), 9.5, 9.5);
+    }
+    p.setPen(Pen(kInk, 1.0));
+    p.setBrush(run ? kMark : kInk);
+    const double tip = toEnd ? 16 : 18;
+    p.drawPolygon(QPolygonF({QPointF(x(7), 6), QPointF(x(tip), 12), QPointF(x(7), 18)}));
+    if (toEnd) p.drawRect(QRectF(std::min(x(17), x(19.5)), 6, 2.5, 12));
+  });
 }
 
 // The icon of each key: what the tool lays on the map, drawn as the map draws it.
@@ -134,6 +159,35 @@ QIcon KeyIcon(std::string_view key) {
       for (const QPointF end : {QPointF(20, 19), QPointF(18, 6), QPointF(5, 4)}) p.drawLine(corner, end);
     });
   }
+  if (const auto step = NavigationIcon(key)) return *step;
+  if (key == "Film") {  // a camera
+    return PaintedIcon([](QPainter& p) {
+      p.setPen(Pen(kInk, 1.2));
+      p.setBrush(kFill);
+      p.drawRoundedRect(QRectF(3, 7, 18, 13), 2, 2);
+      p.drawRect(QRectF(8, 4, 8, 3));
+      p.setBrush(Qt::white);
+      p.drawEllipse(QPointF(12, 13.5), 4, 4);
+      p.setPen(Qt::NoPen);
+      p.setBrush(kMark);
+      p.drawEllipse(QPointF(12, 13.5), 1.8, 1.8);
+    });
+  }
+  if (key == "Film2") {  // a film strip of three frames
+    return PaintedIcon([](QPainter& p) {
+      p.setPen(Pen(kInk, 1.2));
+      p.setBrush(kInk);
+      p.drawRect(QRectF(3, 5, 18, 14));
+      p.setBrush(kFill);
+      for (const double x : {5.0, 10.5, 16.0}) p.drawRect(QRectF(x, 8, 3.5, 8));
+      p.setPen(Qt::NoPen);
+      p.setBrush(Qt::white);
+      for (double x = 4.5; x < 20; x += 3) {
+        p.drawRect(QRectF(x, 5.7, 1.4, 1.2));
+        p.drawRect(QRectF(x, 17.1, 1.4, 1.2));
+      }
+    });
+  }
   // SaveAOS: a disk
   return PaintedIcon([](QPainter& p) {
     p.setPen(Pen(kInk, 1.2));
@@ -159,16 +213,26 @@ class ToolKey : public QToolButton {
 
 AnalyseToolbar::AnalyseToolbar(NewAnalyse& controller, QWidget* parent)
     : QToolBar(parent), controller_(controller) {
+  subscription_ = controller_.Controls().Subscribe(
+      [this](const std::string& name, const ControlState& state) { OnRegistryChange(name, state); });
   setObjectName(QStringLiteral("Toolbar1"));
   setIconSize(QSize(kIconSide, kIconSide));
-  // The parameters open as a view from the setup window only, so far.
-  AddKey(1, "Parametre", "Show Parameters Windows", false)->setEnabled(false);
-  addSeparator();
-  AddSectionMenu(AddKey(kSectionToolButton, "CLF", "FLC Analysis", true));
-  for (const PickToolKey& tool : PickToolKeys()) AddKey(tool.button, tool.key, tool.tip, true);
-  addSeparator();
-  AddNames();
-  AddKey(kSaveAOSButton, "SaveAOS", "Save Area Of Selection", false);
+  for (const Toolbar1Key& key : Toolbar1Keys()) {
+    switch (key.kind) {
+      case ToolbarKeyKind::Separator:
+        addSeparator();
+        break;
+      case ToolbarKeyKind::List:
+        key.key == "combo1" ? AddNames() : AddMembers();
+        break;
+      case ToolbarKeyKind::Plain:
+      case ToolbarKeyKind::Pressable: {
+        QToolButton* button = AddKey(key.button, key.key, key.tip, key.kind == ToolbarKeyKind::Pressable);
+        if (key.key == "CLF") AddSectionMenu(button);
+        break;
+      }
+    }
+  }
 }
 
 AnalyseToolbar::~AnalyseToolbar() { controller_.Controls().Unsubscribe(subscription_); }
@@ -182,12 +246,7 @@ QToolButton* AnalyseToolbar::AddKey(int index, std::string_view key, std::string
   button->setAutoRaise(true);
   addWidget(button);
   const std::string name(key);
-  connect(button, &QToolButton::clicked, this, [this, name] {
-    if (name == "SaveAOS")
-      controller_.PickingTools().OnSaveAOSClick();
-    else
-      controller_.OnToolbar1Click(name);
-  });
+  connect(button, &QToolButton::clicked, this, [this, name] { controller_.OnToolbar1Click(name); });
   return button;
 }
 
@@ -228,10 +287,24 @@ void AnalyseToolbar::AddNames() {
           [&picking](const QString& text) { picking.OnCombo1Change(FromQt(text)); });
   connect(names_, &QComboBox::activated, this, [&picking](int index) { picking.OnCombo1Click(index); });
   ControlRegistry& controls = controller_.Controls();
-  subscription_ = controls.Subscribe([this](const std::string& name, const ControlState& state) {
-    if (name == "Combo1") MirrorList(names_, state);
-  });
   if (controls.Has("Combo1")) MirrorList(names_, controls.Get("Combo1"));
+}
+
+// The members of the sequence; choosing one reads it.
+void AnalyseToolbar::AddMembers() {
+  members_ = new QComboBox(this);
+  members_->setObjectName(QStringLiteral("Combo4"));
+  members_->setMinimumContentsLength(14);
+  members_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  addWidget(members_);
+  connect(members_, &QComboBox::activated, this, [this](int index) { controller_.OnCombo4Click(index); });
+  ControlRegistry& controls = controller_.Controls();
+  if (controls.Has("Combo4")) MirrorList(members_, controls.Get("Combo4"));
+}
+
+void AnalyseToolbar::OnRegistryChange(const std::string& name, const ControlState& state) {
+  if (name == "Combo1" && names_) MirrorList(names_, state);
+  if (name == "Combo4" && members_) MirrorList(members_, state);
 }
 
 bool AnalyseToolbar::eventFilter(QObject* watched, QEvent* event) {

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -24,6 +25,7 @@
 #include "analysetoolbar.h"
 #include "canvasview.h"
 #include "flcpanel.h"
+#include "lensview.h"
 #include "qimagecanvas.h"
 #include "rubberoverlay.h"
 
@@ -46,6 +48,8 @@ class Outline : public QWidget {
   }
 };
 
+// The axes picture Repere, in pixels.
+constexpr QSize kRepereSize(AxisTool::kSide, AxisTool::kSide);
 // The colour bar's surface, in pixels.
 constexpr QSize kBarSize(318, 40);
 // The width of the fields of the smoothing and the amplification.
@@ -133,6 +137,7 @@ AnalyseWindow::AnalyseWindow(NewAnalyse& controller, QWidget* parent) : QFrame(p
 
 AnalyseWindow::~AnalyseWindow() {
   controller_.Controls().Unsubscribe(subscription_);
+  controller_.Repere = nullptr;
   controller_.PicAna = nullptr;
   controller_.IsoPic = nullptr;
 }
@@ -153,6 +158,15 @@ QWidget* AnalyseWindow::BuildMap() {
   });
   choice->addWidget(fields_);
   choice->addStretch(1);
+  auto* caption = new QLabel(area);
+  caption->setObjectName(QStringLiteral("Label1"));
+  caption->setAutoFillBackground(true);
+  choice->addWidget(caption);
+  auto* size = new QPushButton(QStringLiteral("1:1"), area);
+  size->setObjectName(QStringLiteral("Command1"));
+  size->setToolTip(QStringLiteral("Switch the map's size"));
+  choice->addWidget(size);
+  choice->addWidget(BuildRepere(area));
   layout->addLayout(choice);
   auto* title = new QLabel(area);
   title->setObjectName(QStringLiteral("Titre"));
@@ -175,6 +189,8 @@ QWidget* AnalyseWindow::BuildMap() {
   new RubberOverlay(controller_.Controls(), map_, [this](double x, double y) {
     return QPointF(x * controller_.View.Zoom, y * controller_.View.Zoom);
   });
+  new LensView(controller_.Controls(), map_, [this] { return controller_.View.Zoom; },
+               [this](QPoint at) { CentreMapOn(at); });
 
   scroll_ = new QScrollArea(area);
   scroll_->setAlignment(Qt::AlignCenter);
@@ -182,6 +198,28 @@ QWidget* AnalyseWindow::BuildMap() {
   scroll_->setWidget(map_);
   layout->addWidget(scroll_, 1);
   return area;
+}
+
+// The user's axes: a left click switches the back colour, a right click
+// offers to draw a new axis 1.
+QWidget* AnalyseWindow::BuildRepere(QWidget* parent) {
+  repere_ = new CanvasView(parent);
+  repere_->setObjectName(QStringLiteral("Repere"));
+  repere_->setToolTip(QStringLiteral("Left Click to change backcolor, Richt Click to change 1 axis"));
+  controller_.Repere = &repere_->Resize(kRepereSize);
+  repere_->onMouse = [this](QMouseEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease) controller_.Axes.OnRepereMouseUp(ButtonCode(event->button()));
+  };
+  controller_.Axes.AfficheRepere();
+  return repere_;
+}
+
+// The middle of the view shows `at`, a point of the map in its pixels.
+void AnalyseWindow::CentreMapOn(QPoint at) {
+  const QSize view = scroll_->viewport()->size();
+  const QPoint corner = map_->pos() + at - QPoint(view.width() / 2, view.height() / 2);
+  scroll_->horizontalScrollBar()->setValue(scroll_->horizontalScrollBar()->value() + corner.x());
+  scroll_->verticalScrollBar()->setValue(scroll_->verticalScrollBar()->value() + corner.y());
 }
 
 // The colour bar with its labels and the options, scrolling when the window
@@ -331,11 +369,15 @@ void AnalyseWindow::OnMapMouse(QMouseEvent* event) {
   }
 }
 
-// A gauge's menu offers its actions. The window's own menus have no entry
-// yet (the exports and the keyboard input come later), so nothing shows for them.
+// A gauge's menu offers its actions; the window's menus the keyboard input.
 void AnalyseWindow::PopUpMenu(const PicAnaMenu& menu, QPoint at) {
-  if (!menu.gauge) return;
   QMenu popup(this);
+  if (!menu.gauge) {
+    connect(popup.addAction(QStringLiteral("Keyboard Input")), &QAction::triggered, this,
+            [this] { controller_.KeyMNU(); });
+    popup.exec(at);
+    return;
+  }
   for (const GaugeAction action : menu.gauge->actions)
     popup.addAction(ToQt(GaugeActionText(action)))->setData(static_cast<int>(action));
   if (const QAction* chosen = popup.exec(at))
@@ -343,7 +385,9 @@ void AnalyseWindow::PopUpMenu(const PicAnaMenu& menu, QPoint at) {
 }
 
 void AnalyseWindow::OnClicked(const std::string& name) {
-  if (RepaintsTheMap(name))
+  if (name == "Command1")
+    controller_.OnCommand1Click();
+  else if (RepaintsTheMap(name))
     controller_.PicAnaRefresh();
   else if (const auto style = ControlIndex(name, "StyleColor"))
     controller_.StyleColor(*style);
@@ -369,6 +413,8 @@ void AnalyseWindow::OnRegistryChange(const std::string& name, const ControlState
     MirrorList(fields_, state);
   } else if (name == "SmoothCombo") {
     MirrorList(smoothing_, state);
+  } else if (name == "Repere") {
+    ShowBackColour();
   } else if (name == "CadreIso") {
     scaleFrame_->setTitle(ToQt(state.text));
   } else if (name == "Timer1") {
@@ -376,6 +422,19 @@ void AnalyseWindow::OnRegistryChange(const std::string& name, const ControlState
       timer1_.start();
     else
       timer1_.stop();
+  }
+}
+
+// The caption and the graph panel take the back colour of the user's axes.
+void AnalyseWindow::ShowBackColour() {
+  const QColor colour(QRgb(controller_.Axes.BackColour()));
+  for (const char* name : {"Label1", "GrapheAna"}) {
+    if (auto* widget = findChild<QWidget*>(QLatin1String(name))) {
+      QPalette palette = widget->palette();
+      palette.setColor(QPalette::Window, colour);
+      widget->setPalette(palette);
+      widget->setAutoFillBackground(true);
+    }
   }
 }
 

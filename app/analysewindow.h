@@ -40,6 +40,9 @@ class AnalyseWindow : public QFrame {
   QWidget* BuildMap();
   QWidget* BuildSide();
   QWidget* BuildScale();
+  QWidget* BuildRepere(QWidget* parent);
+  void CentreMapOn(QPoint at);
+  void ShowBackColour();
   QLayout* BuildOptions();
   void OnMapMouse(QMouseEvent* event);
   void PopUpMenu(const PicAnaMenu& menu, QPoint at);
@@ -54,6 +57,7 @@ class AnalyseWindow : public QFrame {
   NewAnalyse& controller_;
   CanvasView* map_ = nullptr;
   CanvasView* bar_ = nullptr;
+  CanvasView* repere_ = nullptr;
   QScrollArea* scroll_ = nullptr;
   QWidget* referenceBox_ = nullptr;
   QWidget* isoLine_ = nullptr;

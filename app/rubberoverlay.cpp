@@ -41,6 +41,7 @@ RubberOverlay::RubberOverlay(ControlRegistry& controls, QWidget* view, ToView to
   view->installEventFilter(this);
   subscription_ = controls_.Subscribe([this](const std::string& name, const ControlState& state) {
     if (name == "Line1") OnChange(line_, state);
+    if (name == "Line5") OnChange(axis_, state);
     if (name == "Shape1") OnChange(shape_, state);
     if (name == "Shape3") OnChange(circle_, state);
   });
@@ -66,8 +67,9 @@ void RubberOverlay::paintEvent(QPaintEvent*) {
   const ControlRegistry& controls = controls_;
   // Lines through pixel centres stay one pixel wide.
   const QPointF centre(0.5, 0.5);
-  if (const ControlState& line = controls.Get("Line1"); Shown(controls, "Line1")) {
-    const auto [a, b] = Ends(line, toView_);
+  for (const char* name : {"Line1", "Line5"}) {
+    if (!Shown(controls, name)) continue;
+    const auto [a, b] = Ends(controls.Get(name), toView_);
     DrawRubber(painter, [&] { painter.drawLine(a + centre, b + centre); });
   }
   if (const ControlState& shape = controls.Get("Shape1"); Shown(controls, "Shape1")) {

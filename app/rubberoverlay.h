@@ -1,8 +1,9 @@
 // The rubbers of the drawing and picking tools over a picture view: the line
-// Line1 (a line, slider or gauge being dragged) and the box Shape1 (a
-// rectangle or a rosette). The controller places them in its registry in
-// picture pixels; the overlay covers the view, draws them where the view
-// shows those pixels and lets the pointer through to the view.
+// Line1 (a line, slider or gauge being dragged), the line Line5 (a new axis
+// of the analysis window) and the box Shape1 (a rectangle or a rosette).
+// The controller places them in its registry in picture pixels; the overlay
+// covers the view, draws them where the view shows those pixels and lets the
+// pointer through to the view.
 // The crack tool's circle Shape3 is drawn in the square of its bounds.
 #pragma once
 
@@ -36,6 +37,7 @@ class RubberOverlay : public QWidget {
   ControlRegistry& controls_;
   ToView toView_;
   QRect line_;
+  QRect axis_;
   QRect shape_;
   QRect circle_;
   int subscription_ = 0;

@@ -15,6 +15,8 @@ constexpr int kAxis1Colour = 12, kAxis2Colour = 9;
 constexpr double kPi = 3.14159265358979323846;
 // The sides of an arrow head stand this far either side of its axis.
 constexpr double kHeadSpread = kPi / 5.0;
+// How far a label stands from its axis, in Repere's pixels.
+constexpr double kLabelOffset = 7.0;
 
 }  // namespace
 
@@ -53,10 +55,11 @@ void AxisTool::DrawAxis(Canvas& repere, double angle, Colour colour, const char*
   repere.Line(tipX, tipY, ax, ay, colour);
   repere.Line(tipX, tipY, bx, by, colour);
   repere.Line(ax, ay, bx, by, colour);
-  // The label beyond the tip, centred on the axis.
-  const double reach = kAxisLength + kHeadLength;
-  repere.Text(c + reach * std::cos(angle) - repere.TextWidth(label) / 2,
-               c + reach * std::sin(angle) - repere.TextHeight(label) / 2, label, colour);
+  // The label beside the axis near its head, on the side a quarter turn on,
+  // so that it stays inside the picture whatever the angle.
+  const double along = 0.7 * kAxisLength, aside = kLabelOffset;
+  repere.Text(c + along * std::cos(angle) - aside * std::sin(angle) - repere.TextWidth(label) / 2,
+              c + along * std::sin(angle) + aside * std::cos(angle) - repere.TextHeight(label) / 2, label, colour);
 }
 
 void AxisTool::OnRepereMouseUp(int button) {

@@ -8,5 +8,6 @@ int main(int argc, char** argv) {
   failed += RunWindowFlows(argc, argv);
   failed += RunFlcPanelFlows(argc, argv);
   failed += RunSetupWindowFlows(argc, argv);
+  failed += RunAnalysisSessionFlows(argc, argv);
   return failed == 0 ? 0 : 1;
 }

@@ -5,3 +5,4 @@ int RunQtPortTests(int argc, char** argv);
 int RunWindowFlows(int argc, char** argv);
 int RunFlcPanelFlows(int argc, char** argv);
 int RunSetupWindowFlows(int argc, char** argv);
+int RunAnalysisSessionFlows(int argc, char** argv);
