@@ -28,9 +28,6 @@ constexpr const char* kFooter =
 constexpr const char* kUsage =
     "Usage: tessiva-cli synth DIR FIELD [A [B [C]]] [--size N] [--noise SIGMA] [--seed K]\n"
     "                         [--format bmp|png16|tiff16]\n"
-    "       tessiva-cli map RESULT.res|SEQUENCE.seq --field NAME --png OUT [--smooth N] [--on-final]\n"
-    "                       [--magnification M] [--palette 0|1|2] [--show-bad]\n"
-    "       tessiva-cli map --list-fields\n"
     "       tessiva-cli --help\n"
     "\n"
     "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp (.png or .tif with --format\n"
@@ -39,22 +36,6 @@ constexpr const char* kUsage =
     "          translation U V, strain EXX EYY, shear GAMMA, rotation DEGREES,\n"
     "          sinusoid AMPLITUDE PERIOD, hole REMOTE_STRAIN RADIUS,\n"
     "          neck STRAIN PEAK WIDTH, crack KI/(2 mu)\n"
-    "\n"
-    "map     reads a result as the analysis window does and writes a field of it as a PNG\n"
-    "        picture: the title, the map over the result's picture, the scale's name, the\n"
-    "        colour bar with the distribution of the values and five labels of the range.\n"
-    "        For a sequence OUT is a directory, made when missing, and member NAME.res gives\n"
-    "        OUT/NAME-FIELD.png, FIELD being the field's name with every run of characters\n"
-    "        other than letters, digits, '.', '-' and '_' made one '_'. Nothing is written\n"
-    "        unless every member is painted, and a member whose picture can't be read paints\n"
-    "        nothing.\n"
-    "  --field NAME         the field, as --list-fields names it, case ignored\n"
-    "  --smooth N           \"Interpolation\": N x N colour squares a pattern (1 to 10), not one\n"
-    "  --on-final           the map on the deformed picture, squares where the patterns went\n"
-    "  --magnification M    \"Amplification\" of the deformed mesh and the vectors\n"
-    "  --palette N          0 blue to red, 1 grey levels, 2 blue to red then black and white\n"
-    "  --show-bad           \"Show Bad Pattern\": patterns that aren't good are painted\n"
-    "  --list-fields        prints the names of the fields, one a line\n"
     "\n"
     "The forming-limit curve comes from correl.ini in the current directory, when there is one.\n";
 
@@ -123,11 +104,12 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
   CLI::App app(kAbout, "tessiva-cli");
   app.require_subcommand(0, 1);
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-  const std::vector<Command> commands{Declare(app, AddExportCommand, RunExport), Declare(app, AddSetupCommand, RunSetup),
-                                      Declare(app, AddFlcCommand, RunFlc), Declare(app, AddPickCommand, RunPick),
-                                      Declare(app, AddSifCommand, RunSif), Declare(app, AddFilmCommand, RunFilm)};
+  const std::vector<Command> commands{
+      Declare(app, AddExportCommand, RunExport), Declare(app, AddFilmCommand, RunFilm),
+      Declare(app, AddFlcCommand, RunFlc),       Declare(app, AddMapCommand, RunMap),
+      Declare(app, AddPickCommand, RunPick),     Declare(app, AddSetupCommand, RunSetup),
+      Declare(app, AddSifCommand, RunSif)};
   const std::vector<std::pair<CLI::App*, OldParser>> old{
-      {app.add_subcommand("map")->prefix_command(), Old(ParseMap, RunMap)},
       {app.add_subcommand("synth")->prefix_command(), Old(ParseSynth, RunSynth)}};
   // An unknown command is kept among the words left over, to be named; the
   // commands, made before, don't inherit this and refuse their own leftovers,

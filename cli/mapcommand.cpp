@@ -5,6 +5,7 @@
 
 #include "analysis/fieldlist.h"
 #include "commands.h"
+#include "options.h"
 #include "state/numtext.h"
 
 #if TESSIVA_CLI_MAPS
@@ -18,6 +19,7 @@
 #include "state/index.h"
 #include "headlessanalysis.h"
 #include "offscreen.h"
+#include "setup/picture.h"
 #include "qimagecanvas.h"
 #endif
 
@@ -33,62 +35,54 @@ std::string FieldNames() {
 
 }  // namespace
 
-std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::string& problem) {
-  const auto refuse = [&problem](std::string complaint) -> std::optional<MapRequest> {
-    problem = std::move(complaint);
-    return std::nullopt;
-  };
-  MapRequest request;
-  std::optional<std::string> field, png, smooth, palette;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& arg = args[i];
-    if (arg == "--list-fields") {
-      request.listFields = true;
-    } else if (arg == "--on-final") {
-      request.onFinal = true;
-    } else if (arg == "--show-bad") {
-      request.showBad = true;
-    } else if (arg == "--field" || arg == "--png" || arg == "--smooth" || arg == "--palette" ||
-               arg == "--magnification") {
-      if (i + 1 == args.size()) return refuse(arg + " needs a value");
-      const std::string& value = args[++i];
-      auto& slot = arg == "--field" ? field
-                   : arg == "--png" ? png
-                   : arg == "--smooth" ? smooth
-                   : arg == "--palette" ? palette
-                                        : request.magnification;
-      slot = value;
-    } else if (arg.starts_with("-") || !request.input.empty()) {
-      return refuse("unexpected argument " + arg);
-    } else {
-      request.input = arg;
+CLI::App* AddMapCommand(CLI::App& app, MapRequest& request) {
+  CLI::App* command = app.add_subcommand("map", "paints a field of a result as the analysis window does, into a PNG");
+  command->footer(
+      "The picture holds the map over the result's picture and the colour bar's frame below it (the\n"
+      "title, the scale's name, the bar with the distribution of the values and five labels of the range).\n"
+      "For a sequence OUT is a directory, made when missing, and member NAME.res gives OUT/NAME-FIELD.png,\n"
+      "FIELD being the field's name with every run of characters other than letters, digits, '.', '-' and\n"
+      "'_' made one '_'. Nothing is written unless every member is painted.");
+  command->add_option("INPUT", request.input, "a result (.res) or a sequence (.seq)")->type_name("")->check(Found());
+  const CLI::Option* field = AddFieldOption(*command, request.field, "the field, as --list-fields names it, case ignored");
+  const CLI::Option* png = command->add_option("--png", request.output, "the picture to write; a directory for a sequence")
+                               ->type_name("OUT")
+                               ->check(AValue());
+  command->add_option("--smooth", request.smooth,
+                      "\"Interpolation\": N x N colour squares a pattern, 1 to " + std::to_string(kMaxSmooth) + " (1)")
+      ->type_name("N")
+      ->check(WholeIn(1, kMaxSmooth));
+  command->add_flag("--on-final", request.onFinal, "the map on the deformed picture, squares where the patterns went");
+  command->add_option("--magnification", request.magnification, "\"Amplification\" of the deformed mesh and the vectors")
+      ->type_name("M")
+      ->check(Positive());
+  command->add_option("--palette", request.palette,
+                      "0 blue to red, 1 grey levels, 2 blue to red then black and white (0)")
+      ->type_name("N")
+      ->check(WholeIn(0, 2));
+  command->add_flag("--show-bad", request.showBad, "\"Show Bad Pattern\": patterns that aren't good are painted");
+  const CLI::Option* list =
+      command->add_flag("--list-fields", request.listFields, "prints the names of the fields, one a line");
+  command->callback([command, list, field, png, &request] {
+    if (list->count() > 0) {
+      const auto others = command->get_options([list](const CLI::Option* o) { return o != list && o->count() > 0; });
+      if (!others.empty()) Refuse("--list-fields takes no other argument");
+      return;
     }
-  }
-  if (request.listFields) {
-    if (args.size() != 1) return refuse("--list-fields takes no other argument");
-    return request;
-  }
-  if (request.input.empty()) return refuse("map needs a result or sequence file");
-  if (!field) return refuse("give the field to paint with --field NAME");
-  const auto index = FieldIndexOfName(*field);
-  if (!index) return refuse(UnknownFieldComplaint(*field));
-  request.field = *index;
-  if (!png) return refuse("give the picture to write with --png OUT");
-  request.output = *png;
-  if (smooth) {
-    const auto n = WholeNumber(*smooth);
-    if (!n || *n < 1 || *n > kMaxSmooth)
-      return refuse("--smooth needs a whole number from 1 to " + std::to_string(kMaxSmooth));
-    request.smooth = *n;
-  }
-  if (palette) {
-    const auto n = WholeNumber(*palette);
-    if (!n || *n < 0 || *n > 2) return refuse("--palette needs 0, 1 or 2");
-    request.palette = *n;
-  }
-  if (request.magnification && !(ValNorm(*request.magnification) > 0.0))
-    return refuse("--magnification needs a positive number");
-  return request;
+    if (request.input.empty()) Refuse("map needs a result or sequence file");
+    if (field->count() == 0) Refuse("give the field to paint with --field NAME");
+    if (png->count() == 0) Refuse("give the picture to write with --png OUT");
+  });
+  return command;
+}
+
+CLI::Option* AddFieldOption(CLI::App& command, int32_t& field, const std::string& description) {
+  const auto choose = [&field](const std::string& name) {
+    const auto index = FieldIndexOfName(name);
+    if (!index) Refuse(UnknownFieldComplaint(name));
+    field = *index;
+  };
+  return command.add_option_function<std::string>("--field", choose, description)->type_name("NAME")->check(AValue());
 }
 
 std::string UnknownFieldComplaint(const std::string& name) {
@@ -186,7 +180,10 @@ class Output {
     }
     staged_.clear();
     made_.clear();
-    for (const std::string& path : done_) out << path << '\n';
+    if (sequence_)
+      out << done_.size() << " maps written in " << request_.output << '\n';
+    else
+      out << request_.output << " written\n";
     return true;
   }
 
@@ -297,7 +294,9 @@ class MapPainter {
     const AnalysisPicture& picture = request_.onFinal ? window_.PicAnaTemp2 : window_.PicAnaTemp;
     if (!picture.Pixels.Empty()) return true;
     const std::string& path = request_.onFinal ? s_.PicDefPath : s_.PicRefPath;
-    Fail("The picture " + path + " can't be read, so no map of " + s_.DataFilePath[At(i)] + " is made");
+    const std::string problem = FileExists(path) ? PictureProblem(path) : "picture " + path + " not found";
+    Fail("No map of " + s_.DataFilePath[At(i)] + " is made: " +
+         (problem.empty() ? "picture " + path + " can't be read" : problem));
     return false;
   }
 

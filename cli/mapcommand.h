@@ -8,7 +8,11 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace tessiva::cli {
 
@@ -36,9 +40,13 @@ struct MapRequest {
 // The largest smoothing the window offers; each pattern is painted smooth x smooth times.
 inline constexpr int32_t kMaxSmooth = 10;
 
-// The arguments after "map"; nothing, and the complaint in `problem`, when
-// they are wrong. An unknown field's complaint lists the field names.
-std::optional<MapRequest> ParseMap(const std::vector<std::string>& args, std::string& problem);
+// Declares "map" and its options on `app`; parsing fills `request`.
+CLI::App* AddMapCommand(CLI::App& app, MapRequest& request);
+
+// Adds --field NAME to a command: the entry of the field list with that
+// name, case ignored, goes to `field`; an unknown name is refused with the
+// list of the names.
+CLI::Option* AddFieldOption(CLI::App& command, int32_t& field, const std::string& description);
 
 // The complaint about a field name that isn't in the list, listing the names.
 std::string UnknownFieldComplaint(const std::string& name);

@@ -365,15 +365,7 @@ CLI::App* AddPickCommand(CLI::App& app, PickRequest& request) {
                "picture pixels, as the pointer gives them: the point, or where the drag starts and ends",
                [&request](const std::vector<double>& at) { request.at = at; })
       ->required();
-  const auto field = [&request](const std::string& name) {
-    const auto index = FieldIndexOfName(name);
-    if (!index) Refuse(UnknownFieldComplaint(name));
-    request.field = *index;
-  };
-  command->add_option_function<std::string>("--field", field, "the field, as map --list-fields names it, case ignored")
-      ->type_name("NAME")
-      ->required()
-      ->check(AValue());
+  AddFieldOption(*command, request.field, "the field, as map --list-fields names it, case ignored")->required();
   command->add_flag("--csv", request.csv,
                     "comma separated, a header naming each column with its unit, LF line ends; a rectangle gives one "
                     "row a cell: file, X, Y, value");

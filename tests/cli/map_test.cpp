@@ -112,7 +112,7 @@ TEST_F(Map, EachPixelTakesThePaletteColourOfTheFieldValueThere) {
     args.insert(args.end(), c.options.begin(), c.options.end());
     const Outcome o = RunCommand(args);
     ASSERT_EQ(o.status, kDone) << o.err;
-    EXPECT_EQ(o.out, dir.File("map.png") + "\n");
+    EXPECT_EQ(o.out, dir.File("map.png") + " written\n");
     const QImage picture(QString::fromStdString(dir.File("map.png")));
     ASSERT_FALSE(picture.isNull());
     for (const auto& [x, y] : {std::pair{70, 71}, {100, 100}, {133, 152}, {157, 64}})
@@ -137,14 +137,14 @@ TEST_F(Map, BadInputFailsAndWritesNothing) {
     std::string said;
   };
   const Case cases[] = {
-      {{"map", dir.File("missing.res"), "--field", "norm", "--png", png}, kFailed, "is not right formatted"},
+      {{"map", dir.File("missing.res"), "--field", "norm", "--png", png}, kUsageError, "missing.res not found"},
       {{"map", good, "--field", "strain", "--png", png}, kUsageError, "unknown field strain; the fields are:\n  1 displacement\n"},
-      {{"map", good, "--field", "norm", "--png", png, "--smooth", "11"}, kUsageError, "--smooth needs a whole number from 1 to 10"},
-      {{"map", good, "--field", "norm", "--png", png, "--palette", "3"}, kUsageError, "--palette needs 0, 1 or 2"},
+      {{"map", good, "--field", "norm", "--png", png, "--smooth", "11"}, kUsageError, "--smooth: 11 is out of range (1 to 10)"},
+      {{"map", good, "--field", "norm", "--png", png, "--palette", "3"}, kUsageError, "--palette: 3 is out of range (0 to 2)"},
       {{"map", good, "--field", "norm"}, kUsageError, "give the picture to write with --png OUT"},
       {{"map", "--list-fields", good}, kUsageError, "--list-fields takes no other argument"},
       {{"map", good, "--field", "norm", "--png", dir.File("none/out.png")}, kFailed, "could not be written"},
-      {{"map", pictureless, "--field", "norm", "--png", png}, kFailed, "gone.bmp can't be read, so no map"},
+      {{"map", pictureless, "--field", "norm", "--png", png}, kFailed, "No map of " + pictureless + " is made: picture " + dir.File("gone.bmp") + " not found"},
       {{"map", good, "--field", "FLC Determination", "--png", png}, kFailed, "not available with this results file"},
       {{"map", dir.File("bad.seq"), "--field", "norm", "--png", dir.File("maps")}, kFailed, "missing.res"},
       {{"map", dir.File("bad.seq"), "--field", "norm", "--png", dir.File("file")}, kFailed, "could not be made"},
@@ -173,6 +173,7 @@ TEST_F(Map, ASequenceWritesOnePicturePerMemberNamedAfterIt) {
   const Outcome o = RunCommand({"map", dir.Write("test.seq", "rise.don\nfall.don\n"), "--field", "1 displacement",
                                 "--png", maps, "--smooth", "10"});
   ASSERT_EQ(o.status, kDone) << o.err;
+  EXPECT_EQ(o.out, "2 maps written in " + maps + "\n");
   std::vector<std::string> written;
   for (const auto& entry : std::filesystem::directory_iterator(maps)) written.push_back(entry.path().filename());
   std::sort(written.begin(), written.end());
