@@ -42,12 +42,17 @@ TEST(CliRefusals, SayWhatIsWrongAndWriteNothing) {
       {{"export", res, "--unv"}, "--unv: 1 required OUT missing"},
       {{"setup", dir.Path(), "--ref", "--def", "b.bmp"}, "--ref: a value is missing before --def"},
       {{"setup", dir.Path(), "--area", "1", "2", "3"}, "--area: At least 4 required but received 3"},
+      {{"map", res, "--png", out, "--field"}, "--field: 1 required NAME missing"},
       // Numbers that aren't, and numbers out of their range, with the range.
       {{"setup", dir.Path(), "--grid", "ten"}, "--grid: ten is not a whole number"},
       {{"setup", dir.Path(), "--grid", "8.5"}, "--grid: 8.5 is not a whole number"},
+      {{"map", res, "--field", "norm", "--png", out, "--magnification", "big"}, "--magnification: big is not a number"},
+      {{"pick", res, "--tool", "point", "--field", "norm", "--at", "80,x"}, "--at takes X1,Y1[,X2,Y2], numbers separated by commas, not 80,x"},
       {{"setup", dir.Path(), "--grid", "30"}, "--grid: 30 is out of range (2 to 20)"},
       {{"setup", dir.Path(), "--pattern", "4", "25"}, "--pattern: 4 is out of range (6 to 32)"},
       {{"setup", dir.Path(), "--pattern", "25", "21"}, "--pattern 25 21: the smaller size comes first"},
+      {{"flc", res, "--position", "-1"}, "--position: -1 is out of range (0 to 100)"},
+      {{"sif", res, "--crack", "1,2,3,4", "--radius", "0"}, "--radius: 0 is out of range (above 0)"},
       // Files that aren't there, and a picture that isn't one.
       {{"export", missing, "--cfr", out}, missing + " not found"},
       {{"setup", dir.File("nowhere")}, dir.File("nowhere") + " not found"},
@@ -59,6 +64,7 @@ TEST(CliRefusals, SayWhatIsWrongAndWriteNothing) {
       {{"export", res}, "give one of --cfr, --unv, --inp, --vtu and --csv with the file to write"},
       {{"export", res, "--cfr", out, "--unv", out}, "give only one of --cfr, --unv, --inp, --vtu and --csv"},
       {{"setup", dir.Path(), "--data", "job.res"}, "the data file's name must end in .don"},
+      {{"sif", res, "--crack", "1,2,3,4"}, "--radius is required"},
   };
   const std::set<std::string> before = Listing(dir.Path());
   for (const Case& c : cases) {
@@ -77,9 +83,14 @@ TEST(CliRefusals, HelpForTheProgramAndEachCommand) {
     std::vector<std::string> named;
   };
   const Case cases[] = {
-      {{"--help"}, {"export", "setup", "tessiva-cli COMMAND --help"}},
+      {{"--help"}, {"export", "film", "flc", "map", "pick", "setup", "sif", "tessiva-cli COMMAND --help"}},
       {{"export", "--help"}, {"RESULT", "--cfr", "--unv", "--inp", "--vtu", "--csv", "--show-bad-pattern", "--final-to-initial"}},
       {{"setup", "-h"}, {"DIR", "--ref", "--def", "--data", "--area", "--grid", "--pattern", "--bilinear", "--large-strain"}},
+      {{"film", "--help"}, {"SEQUENCE", "--field", "--out", "--selection"}},
+      {{"flc", "--help"}, {"INPUT", "--band", "--position", "--side", "--method", "--csv"}},
+      {{"map", "--help"}, {"INPUT", "--field", "--png", "--smooth", "--on-final", "--magnification", "--palette", "--show-bad", "--list-fields"}},
+      {{"pick", "--help"}, {"INPUT", "--tool", "--at", "--field", "--csv"}},
+      {{"sif", "--help"}, {"INPUT", "--crack", "--radius", "--klarg", "--csv"}},
   };
   for (const Case& c : cases) {
     const Outcome o = RunCommand(c.args);
