@@ -22,6 +22,7 @@
 #include <functional>
 #include <initializer_list>
 
+#include "analysemenus.h"
 #include "analysetoolbar.h"
 #include "canvasview.h"
 #include "flcpanel.h"
@@ -369,10 +370,12 @@ void AnalyseWindow::OnMapMouse(QMouseEvent* event) {
   }
 }
 
-// A gauge's menu offers its actions; the window's menus the keyboard input.
+// A gauge's menu offers its actions; the window's menus the exports and the keyboard input.
 void AnalyseWindow::PopUpMenu(const PicAnaMenu& menu, QPoint at) {
   QMenu popup(this);
   if (!menu.gauge) {
+    AddExportEntries(popup, controller_);
+    popup.addSeparator();
     connect(popup.addAction(QStringLiteral("Keyboard Input")), &QAction::triggered, this,
             [this] { controller_.KeyMNU(); });
     popup.exec(at);

@@ -8,7 +8,9 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include "aboutwindow.h"
 #include "analysewindow.h"
+#include "analysis/capture.h"
 #include "areawindow.h"
 #include "collectorwindow.h"
 #include "managejobswindow.h"
@@ -31,7 +33,8 @@ constexpr NamedCaption kCommands[] = {
 
 FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param& param, ManageJobs& jobs,
                          MiseEnDonne& input, AreaForm& area, NewAnalyse& analyse)
-    : controller_(controller), controls_(controls) {
+    : controller_(controller), controls_(controls), analyse_(analyse) {
+  analyse_.Captures = &capture_;
   setObjectName(QStringLiteral("MDIForm1"));
   setMinimumSize(MDIForm1::kMinWidth, MDIForm1::kMinHeight);
   auto* central = new QWidget(this);
@@ -52,7 +55,7 @@ FrameWindow::FrameWindow(MDIForm1& controller, ControlRegistry& controls, Param&
   connect(binding_.get(), &RegistryBinding::clicked, this, &FrameWindow::OnClicked);
 }
 
-FrameWindow::~FrameWindow() = default;
+FrameWindow::~FrameWindow() { analyse_.Captures = nullptr; }
 
 QWidget* FrameWindow::BuildCommandBar() {
   auto* bar = new QWidget(this);
@@ -64,9 +67,14 @@ QWidget* FrameWindow::BuildCommandBar() {
     button->setMinimumWidth(120);
     layout->addWidget(button);
   }
+  // A developer's aid: marks patterns 100 and 110 of the result on show.
+  auto* output = new QPushButton(QStringLiteral("Output"), bar);
+  output->setObjectName(QStringLiteral("Command2"));
+  layout->addWidget(output);
   layout->addStretch(1);
   auto* logo = new LogoPicture(bar);
   logo->setObjectName(QStringLiteral("Picture3"));
+  connect(logo, &LogoPicture::clicked, this, [this] { AboutWindow(this).exec(); });
   layout->addWidget(logo);
   return bar;
 }
@@ -106,6 +114,7 @@ void FrameWindow::PlaceAtStartBounds(QPoint screenOrigin) {
 
 void FrameWindow::OnClicked(const std::string& name) {
   if (const auto index = ControlIndex(name, "Command1")) controller_.OnCommand1(*index);
+  if (name == "Command2") MarkOutputPatterns(analyse_);
 }
 
 void FrameWindow::mouseMoveEvent(QMouseEvent* event) {

@@ -1,5 +1,6 @@
-// The frame window (MDIForm1): the three commands, the client area in which one
-// tool window shows at a time, the status texts and the logo. It forwards its
+// The frame window (MDIForm1): the three commands and the developer's
+// "Output", the client area in which one tool window shows at a time, the
+// status texts and the logo, which shows the About window. It forwards its
 // events to the MDIForm1 controller and mirrors the frame's registry.
 #pragma once
 
@@ -8,6 +9,7 @@
 #include <memory>
 
 #include "analysis/newanalyse.h"
+#include "capturepicture.h"
 #include "batch/managejobs.h"
 #include "batch/miseendonne.h"
 #include "registrybinding.h"
@@ -42,6 +44,9 @@ class FrameWindow : public QMainWindow {
 
   MDIForm1& controller_;
   ControlRegistry& controls_;
+  NewAnalyse& analyse_;
+  // Joins the analysis window's surfaces for its Film keys.
+  QtCapture capture_;
   QWidget* client_ = nullptr;
   std::unique_ptr<RegistryBinding> binding_;
 };

@@ -1,6 +1,7 @@
 #include "pubwindow.h"
 
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -81,7 +82,15 @@ PubWindow::PubWindow(QWidget* parent) : QFrame(parent) {
   setFixedSize(sizeHint());
 }
 
-LogoPicture::LogoPicture(QWidget* parent) : QWidget(parent) { setFixedSize(118, 36); }
+LogoPicture::LogoPicture(QWidget* parent) : QWidget(parent) {
+  setFixedSize(118, 36);
+  setCursor(Qt::PointingHandCursor);
+  setToolTip(QStringLiteral("About Tessiva"));
+}
+
+void LogoPicture::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) Q_EMIT clicked();
+}
 
 void LogoPicture::paintEvent(QPaintEvent*) {
   QPainter p(this);

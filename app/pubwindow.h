@@ -19,14 +19,19 @@ class PubWindow : public QFrame {
   explicit PubWindow(QWidget* parent);
 };
 
+// The logo tells its clicks: the frame shows the About window on one.
 class LogoPicture : public QWidget {
   Q_OBJECT
 
  public:
   explicit LogoPicture(QWidget* parent);
 
+ Q_SIGNALS:
+  void clicked();
+
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
 };
 
 }  // namespace tessiva

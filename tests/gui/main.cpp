@@ -9,5 +9,6 @@ int main(int argc, char** argv) {
   failed += RunFlcPanelFlows(argc, argv);
   failed += RunSetupWindowFlows(argc, argv);
   failed += RunAnalysisSessionFlows(argc, argv);
+  failed += RunCaptureFlows(argc, argv);
   return failed == 0 ? 0 : 1;
 }

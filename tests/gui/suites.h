@@ -6,3 +6,4 @@ int RunWindowFlows(int argc, char** argv);
 int RunFlcPanelFlows(int argc, char** argv);
 int RunSetupWindowFlows(int argc, char** argv);
 int RunAnalysisSessionFlows(int argc, char** argv);
+int RunCaptureFlows(int argc, char** argv);
