@@ -39,10 +39,4 @@ const std::vector<Toolbar1Key>& Toolbar1Keys() {
   return keys;
 }
 
-const Toolbar1Key* Toolbar1KeyOf(std::string_view key) {
-  for (const Toolbar1Key& k : Toolbar1Keys())
-    if (k.kind != ToolbarKeyKind::Separator && k.key == key) return &k;
-  return nullptr;
-}
-
 }  // namespace tessiva

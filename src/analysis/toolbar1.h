@@ -26,8 +26,6 @@ struct Toolbar1Key {
 
 // Every button of Toolbar1 in order.
 const std::vector<Toolbar1Key>& Toolbar1Keys();
-// The button of a key; none for a key not on the bar.
-const Toolbar1Key* Toolbar1KeyOf(std::string_view key);
 
 inline constexpr int kInitialButton = 14, kPreviousFileButton = 15, kNextFileButton = 17, kFinalButton = 18,
                      kRunButton = 20, kFilmButton = 21, kFilm2Button = 22;
