@@ -44,8 +44,9 @@ struct IcgnSettings {
 // Aligned to a cache line so that two threads' correlators never share one.
 class alignas(64) SubsetCorrelator {
  public:
+  // The subset's sums take the deformed picture's sampler: AVX2 or portable.
   SubsetCorrelator(const SampledPicture& ref, const SampledPicture& def, IcgnSettings settings)
-      : ref_(ref), def_(def), settings_(settings) {}
+      : ref_(ref), def_(def), settings_(settings), sampler_(def.SamplerUsed()) {}
 
   // Correlates the subset of side `side` centred on the whole pixel (cx, cy),
   // starting from `guess`. Not converged when the subset leaves either
@@ -60,9 +61,11 @@ class alignas(64) SubsetCorrelator {
   const SampledPicture& ref_;
   const SampledPicture& def_;
   IcgnSettings settings_;
+  Sampler sampler_;
   std::vector<double> f_;   // zero-mean reference levels
   std::vector<double> g_;   // warped deformed levels
-  std::vector<double> sd_;  // steepest-descent images, 6 per point
+  std::vector<double> sd_;  // the 6 steepest-descent images, one after the other
+  double sdF_[6] = {};      // each image's products with f summed
   double fNorm_ = 0.0;
   double hessianInverse_[36] = {};
 };

@@ -11,6 +11,7 @@
 #include "setup/picture.h"
 #include "state/files.h"
 #include "state/numtext.h"
+#include "workerpool.h"
 
 namespace tessiva::solver {
 namespace {
@@ -119,9 +120,9 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
 
   const int32_t width = std::min(pair.PixRef.UpperX(), pair.PixDef.UpperX());
   const int32_t height = std::min(pair.PixRef.UpperY(), pair.PixDef.UpperY());
-  const SampledPicture ref(pair.PixRef, width, height, InterpolantOf(s)),
-      def(pair.PixDef, width, height, InterpolantOf(s));
-  FieldProblem problem = ProblemOf(*job, ref, def, options.threads);
+  WorkerPool pool(options.threads);
+  const SampledPair pictures(pair.PixRef, pair.PixDef, width, height, InterpolantOf(s), pool);
+  FieldProblem problem = ProblemOf(*job, pictures.ref, pictures.def, options.threads);
   problem.largeStrain = false;  // an increment is small: each pattern starts from none
   // Subsets stand at the whole pixel nearest to where each pattern has got to.
   std::vector<StartSeed> seeds;
@@ -131,7 +132,7 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
     if (carried[k].good) seeds.push_back({k, 0.0, 0.0});
   }
   if (seeds.empty()) return Failure(path + ": its previous result has no good pattern");
-  const FieldSolution field = SolveField(problem, seeds);
+  const FieldSolution field = SolveField(problem, seeds, pool);
 
   JobOutcome outcome{true, "", s.NbPat, 0};
   std::vector<PatternRecord> records;

@@ -15,6 +15,7 @@
 #include "resultwriter.h"
 #include "state/files.h"
 #include "state/numtext.h"
+#include "workerpool.h"
 
 namespace tessiva::solver {
 namespace {
@@ -79,8 +80,9 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
 
   const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});
   const int32_t height = std::min({s.Hima, s.PixRef.UpperY(), s.PixDef.UpperY()});
-  const SampledPicture ref(s.PixRef, width, height, InterpolantOf(s)), def(s.PixDef, width, height, InterpolantOf(s));
-  const FieldSolution field = SolveField(ProblemOf(*job, ref, def, options.threads), seeds);
+  WorkerPool pool(options.threads);
+  const SampledPair pair(job->s.PixRef, job->s.PixDef, width, height, InterpolantOf(s), pool);
+  const FieldSolution field = SolveField(ProblemOf(*job, pair.ref, pair.def, options.threads), seeds, pool);
   for (size_t i = 0; i < seeds.size(); ++i)
     if (!field.seedGood[i])
       return Failure(path + ": start point at (" + std::to_string(s.XPat[seeds[i].pattern]) + ", " +

@@ -45,8 +45,12 @@ Warp CarriedFrom(const FieldProblem& p, int32_t from, int32_t to, const Warp& w)
 }  // namespace
 
 FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& seeds) {
-  const auto count = static_cast<int32_t>(p.x.size()) - 1;
   WorkerPool pool(p.threads);
+  return SolveField(p, seeds, pool);
+}
+
+FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& seeds, WorkerPool& pool) {
+  const auto count = static_cast<int32_t>(p.x.size()) - 1;
   std::vector<std::unique_ptr<SubsetCorrelator>> correlators;
   for (int32_t w = 0; w < pool.Workers(); ++w) correlators.push_back(std::make_unique<SubsetCorrelator>(*p.ref, *p.def, p.icgn));
   FieldSolution field{std::vector<PatternSolution>(static_cast<size_t>(count) + 1), std::vector<bool>(seeds.size())};

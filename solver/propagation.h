@@ -15,6 +15,8 @@
 
 namespace tessiva::solver {
 
+class WorkerPool;
+
 struct PatternSolution {
   bool good = false;
   bool tried = false;
@@ -48,6 +50,9 @@ struct FieldSolution {
   std::vector<bool> seedGood;             // per start seed
 };
 
+// Solves the field on the pool's workers (problem.threads is not read).
+FieldSolution SolveField(const FieldProblem& problem, const std::vector<StartSeed>& seeds, WorkerPool& pool);
+// The same on a pool of problem.threads workers.
 FieldSolution SolveField(const FieldProblem& problem, const std::vector<StartSeed>& seeds);
 
 }  // namespace tessiva::solver
