@@ -160,9 +160,12 @@ bool ProcessorHasAvx2() { return __builtin_cpu_supports("avx2") && __builtin_cpu
 // samples at a time, apply lane by lane and the four values leave in one store.
 [[gnu::target("avx2,fma")]] void SplineValuesAlongAvx2(const double* coeffs, size_t width, double x, double y,
                                                       double stepX, double stepY, int32_t count, double* out) {
+  if (count < 4) return SplineValuesAlongPortable(coeffs, width, x, y, stepX, stepY, count, out);
   const __m256d lane = _mm256_setr_pd(0.0, 1.0, 2.0, 3.0);
-  int32_t k = 0;
-  for (; k + 4 <= count; k += 4) {
+  // A row that isn't a whole number of blocks ends on a block that overlaps
+  // the one before: its first samples come out the same again.
+  for (int32_t first = 0;; first += 4) {
+    const int32_t k = std::min(first, count - 4);
     const __m256d step = _mm256_add_pd(_mm256_set1_pd(k), lane);
     const __m256d xs = _mm256_fmadd_pd(step, _mm256_set1_pd(stepX), _mm256_set1_pd(x));
     const __m256d ys = _mm256_fmadd_pd(step, _mm256_set1_pd(stepY), _mm256_set1_pd(y));
@@ -192,9 +195,8 @@ bool ProcessorHasAvx2() { return __builtin_cpu_supports("avx2") && __builtin_cpu
     values = _mm256_fmadd_pd(_mm256_permute2f128_pd(low01, low23, 0x31), wx[2], values);
     values = _mm256_fmadd_pd(_mm256_permute2f128_pd(high01, high23, 0x31), wx[3], values);
     _mm256_storeu_pd(out + k, values);
+    if (k + 4 == count) return;
   }
-  if (k < count)
-    SplineValuesAlongPortable(coeffs, width, x + k * stepX, y + k * stepY, stepX, stepY, count - k, out + k);
 }
 #else
 bool ProcessorHasAvx2() { return false; }
