@@ -4,8 +4,9 @@
 # a pattern every 4 pixels, 21 x 21 subsets, stop at 0.001 pixel. Each solver
 # given runs at 1 and at 2 threads, the solvers and thread counts interleaved
 # round after round, so that a load that comes and goes on a shared machine
-# falls on all of them alike. Prints each run's wall time and peak memory,
-# then the medians; with two solvers, the largest difference of their results.
+# falls on all of them alike. Prints each run's wall time, processor time
+# (user and system, all threads) and peak memory, then the medians; with two
+# solvers, the largest difference of their results.
 #
 #   bench/solver_process.sh CLI SOLVER [OTHER_SOLVER] [--rounds N] [--size N] [--grid N] [--dir DIR]
 set -euo pipefail
@@ -36,24 +37,28 @@ for i in "${!solvers[@]}"; do
   rm -rf "$dir/run$i" && cp -r "$dir/job" "$dir/run$i"
 done
 
-echo "solver threads round wall_s peak_rss_mb"
+echo "solver threads round wall_s peak_rss_mb cpu_s"
 for round in $(seq "$rounds"); do
   for threads in 1 2; do
     for i in "${!solvers[@]}"; do
-      TESSIVA_SOLVER_THREADS=$threads /usr/bin/time -f "%e %M" -o "$dir/time" \
+      TESSIVA_SOLVER_THREADS=$threads /usr/bin/time -f "%e %M %U %S" -o "$dir/time" \
         "${solvers[$i]}" "$dir/run$i" "$dir/run$i" >/dev/null
-      read -r wall rss < "$dir/time"
-      echo "$i $threads $round $wall $((rss / 1024))" | tee -a "$dir/times"
+      read -r wall rss user system < "$dir/time"
+      echo "$i $threads $round $wall $((rss / 1024)) $(awk -v u="$user" -v s="$system" 'BEGIN { print u + s }')" | tee -a "$dir/times"
     done
   done
 done
 
-echo "median wall time and peak memory, per solver and thread count:"
+# The median of column $3 of the runs of solver $1 at $2 threads.
+median() {
+  awk -v s="$1" -v t="$2" -v c="$3" '$1 == s && $2 == t { print $c }' "$dir/times" | sort -n |
+    awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'
+}
+echo "median wall time, peak memory and processor time, per solver and thread count:"
 for i in "${!solvers[@]}"; do
   for threads in 1 2; do
-    awk -v s="$i" -v t="$threads" '$1 == s && $2 == t { print $4, $5 }' "$dir/times" | sort -n |
-      awk -v s="$i" -v t="$threads" -v name="${solvers[$i]}" \
-        '{ w[NR] = $1; m[NR] = $2 } END { printf "%s (solver %d) threads %d: %.2f s, %d MB\n", name, s, t, w[int((NR + 1) / 2)], m[int((NR + 1) / 2)] }'
+    echo "${solvers[$i]} (solver $i) threads $threads: $(median "$i" "$threads" 4) s," \
+      "$(median "$i" "$threads" 5) MB, $(median "$i" "$threads" 6) s of processor"
   done
 done
 if [ ${#solvers[@]} -ge 2 ]; then
