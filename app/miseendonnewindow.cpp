@@ -8,6 +8,12 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <cmath>
+
+#include "qimagecanvas.h"
+#include "setup/picture.h"
+
 namespace tessiva {
 namespace {
 
@@ -78,12 +84,20 @@ void MiseEnDonneWindow::ShowPreview() {
   const std::string& path = controller_.PreviewPath();
   if (path == previewShown_) return;
   previewShown_ = path;
-  const QPixmap picture(ToQt(path));
-  if (picture.isNull()) {
+  // Read as Tessiva reads it, so that TIFF and PNG show as well as BMP.
+  GreyArray pixels;
+  std::array<Colour, 256> palette{};
+  if (path.empty() || !ReadWholePicture(path, pixels, &palette).empty()) {
     preview_->clear();
     return;
   }
-  preview_->setPixmap(picture.scaled(preview_->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  const int width = pixels.UpperX(), height = pixels.UpperY();
+  const double scale = std::min(static_cast<double>(kPreviewSize) / width, static_cast<double>(kPreviewSize) / height);
+  QImageCanvas canvas(std::max(1, static_cast<int>(std::lround(width * scale))),
+                      std::max(1, static_cast<int>(std::lround(height * scale))));
+  canvas.DrawPicture({pixels.Data(), width, height, pixels.Stride(), palette.data()}, 0, 0, width, height, 0, 0,
+                     canvas.PixelWidth(), canvas.PixelHeight());
+  preview_->setPixmap(QPixmap::fromImage(canvas.Image()));
 }
 
 }  // namespace tessiva

@@ -35,6 +35,8 @@ std::optional<SynthRequest> ParseSynth(const std::vector<std::string>& args, std
       settings.width = settings.height = *n;
     } else if (option == "--seed" && n && *n >= 0) {
       settings.seed = static_cast<uint32_t>(*n);
+    } else if (option == "--format" && PictureFileFormatNamed(value)) {
+      request.format = *PictureFileFormatNamed(value);
     } else {
       return refuse("bad option " + option + " " + value);
     }
@@ -52,11 +54,12 @@ std::optional<SynthRequest> ParseSynth(const std::vector<std::string>& args, std
 int RunSynth(const SynthRequest& request, std::ostream& out, std::ostream& err) {
   std::error_code ignored;  // a directory that can't be made fails the writing below
   std::filesystem::create_directories(request.dir, ignored);
-  if (!synth::WriteSyntheticPair(request.dir, request.settings, request.field)) {
+  if (!synth::WriteSyntheticPair(request.dir, request.settings, request.field, request.format)) {
     err << "The pictures could not be written in " << request.dir << '\n';
     return kFailed;
   }
-  out << "ref.bmp, def.bmp and truth.txt written in " << request.dir << '\n';
+  const std::string extension(ExtensionOf(request.format));
+  out << "ref." << extension << ", def." << extension << " and truth.txt written in " << request.dir << '\n';
   return kDone;
 }
 

@@ -20,9 +20,14 @@ void StoreAreas(const AreaContent& areas, AppState& s) {
 }  // namespace
 
 std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s) {
-  std::string problem = ReadWholePicture(refPath, s.PixRef, &s.PicRefPalette);
-  if (problem.empty()) problem = ReadWholePicture(defPath, s.PixDef, &s.PicDefPalette);
+  // Correlated at the file's full depth, so that 12- and 16-bit cameras get their accuracy.
+  std::string problem = ReadWholePicture(refPath, s.PixRef, &s.PicRefPalette, PictureDepth::kFull);
+  if (problem.empty()) problem = ReadWholePicture(defPath, s.PixDef, &s.PicDefPalette, PictureDepth::kFull);
   if (!problem.empty()) return problem;
+  if (s.PixDef.UpperX() != s.PixRef.UpperX() || s.PixDef.UpperY() != s.PixRef.UpperY())
+    return "picture " + PrintableName(defPath) + " is " + std::to_string(s.PixDef.UpperX()) + " x " +
+           std::to_string(s.PixDef.UpperY()) + " pixels, but the reference picture " + PrintableName(refPath) +
+           " is " + std::to_string(s.PixRef.UpperX()) + " x " + std::to_string(s.PixRef.UpperY());
   // The grid follows the deformed picture's size, as when the setup window loads the pair.
   s.Lima = s.PixDef.UpperX();
   s.Hima = s.PixDef.UpperY();

@@ -19,9 +19,10 @@ struct LoadedJob {
   PictureNames pictures;
 };
 
-// Reads both pictures of a job whole into PixRef and PixDef, sizing the
-// grid by the deformed one; what is wrong with the first that can't be
-// read, naming it, or the empty string.
+// Reads both pictures of a job whole, at their full depth, into PixRef and
+// PixDef, sizing the grid by them; what is wrong with the first that can't
+// be read, or with a deformed picture of another size, naming it, or the
+// empty string.
 std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s);
 
 // Reads data file (or result file) `name` of `dataDir`; why it can't be used, or nothing.

@@ -10,6 +10,7 @@
 #include "state/settings.h"
 #include "state/keyfile.h"
 #include "state/numtext.h"
+#include "state/picturefiles.h"
 
 namespace tessiva {
 namespace {
@@ -128,7 +129,7 @@ void MiseEnDonne::ChooseReference() {
   EnableOptions(false);
   const FileDialogResult chosen = ui_.OpenFileDialog({.initialDir = s_.LastDir,
                                                       .defaultExt = "bmp",
-                                                      .filter = "Image|*.bmp",
+                                                      .filter = PictureDialogFilter(),
                                                       .title = "Reading reference picture file"});
   JobNode& root = *tree_.Find("Root");
   if (chosen.FileName.empty()) {
@@ -138,7 +139,7 @@ void MiseEnDonne::ChooseReference() {
   s_.PicRefPath = chosen.FileName;
   s_.PicRefName = chosen.FileTitle;
   RememberLastDir(s_, ChosenDirectory(chosen));
-  root.text = Stem(s_.PicRefPath) + "-";
+  root.text = PictureStem(s_.PicRefPath) + "-";
   tree_.Add("FicRef", "Rp", s_.PicRefName, s_.PicRefPath, kPicture);
   previewPath_ = s_.PicRefPath;
   controls_.SetText("Label2", s_.PicRefName + "\n");
@@ -152,9 +153,9 @@ void MiseEnDonne::RefuseDirectory() {
 }
 
 void MiseEnDonne::NameSequenceAfter(const std::string& lastPicture) {
-  const std::string ending = "-" + Stem(lastPicture) + (s_.SeqRefChange == 0 ? "-S.seq" : "-I.seq");
-  s_.FileName = Stem(s_.PicRefPath) + ending;
-  s_.FileTitle = Stem(s_.PicRefName) + ending;
+  const std::string ending = "-" + PictureStem(lastPicture) + (s_.SeqRefChange == 0 ? "-S.seq" : "-I.seq");
+  s_.FileName = PictureStem(s_.PicRefPath) + ending;
+  s_.FileTitle = PictureStem(s_.PicRefName) + ending;
   tree_.Find("Root")->text = s_.FileName;
 }
 
@@ -169,7 +170,7 @@ void MiseEnDonne::ChooseDeformed() {
   }
   const FileDialogResult chosen = ui_.OpenFileDialog({.initialDir = s_.LastDir,
                                                       .defaultExt = "bmp",
-                                                      .filter = "Image|*.bmp",
+                                                      .filter = PictureDialogFilter(),
                                                       .title = "Reading deformed picture file",
                                                       .multiSelect = true});
   if (chosen.FileName.empty()) return;
@@ -200,9 +201,9 @@ void MiseEnDonne::ChooseDeformed() {
     s_.NbSeq = 1;
     s_.PicDefPath = chosen.FileName;
     s_.PicDefName = chosen.FileTitle;
-    const std::string ending = "-" + Stem(s_.PicDefName) + ".don";
-    s_.FileName = Stem(s_.PicRefPath) + ending;
-    s_.FileTitle = Stem(s_.PicRefName) + ending;
+    const std::string ending = "-" + PictureStem(s_.PicDefName) + ".don";
+    s_.FileName = PictureStem(s_.PicRefPath) + ending;
+    s_.FileTitle = PictureStem(s_.PicRefName) + ending;
     tree_.Find("Root")->text = s_.FileName;
     tree_.Add(DeformedKey(1), "Dp", s_.PicDefName, s_.PicDefPath, kPicture);
     previewPath_ = s_.PicDefPath;

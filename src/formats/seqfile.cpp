@@ -6,6 +6,7 @@
 #include "state/files.h"
 #include "state/keyfile.h"
 #include "state/numtext.h"
+#include "state/picturefiles.h"
 #include "state/index.h"
 
 namespace tessiva {
@@ -28,8 +29,8 @@ std::optional<std::string> WriteMemberStubs(AppState& s, const SequenceMembers& 
     // Incremental members compare each picture with the one before it.
     const std::string refName = fromReference ? s.PicRefName : m.FicDefText[At(i - 1)];
     const std::string refPath = fromReference ? s.PicRefPath : m.FicDefTag[At(i - 1)];
-    const std::string stem = Stem(refName) + "-" + Stem(deformed);
-    s.DataFile = Stem(refPath) + "-" + Stem(deformed) + ".don";
+    const std::string stem = PictureStem(refName) + "-" + PictureStem(deformed);
+    s.DataFile = PictureStem(refPath) + "-" + PictureStem(deformed) + ".don";
     s.PicDefName = deformed;
     AppendLine(lines, stem + ".don");
     const bool linked = incremental && i > 1;

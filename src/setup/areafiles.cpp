@@ -75,7 +75,8 @@ class DataFileReader {
     const auto pictures = ReadPictureNames(keys_);
     if (!pictures) return Unusable();
     SetPictures(*pictures);
-    if (!form_.LoadPictures()) return Unusable();
+    // A TIFF or PNG that can't be read is named; a BMP gives the file's message.
+    if (std::string problem; !form_.LoadPictures(&problem)) return problem.empty() ? Unusable() : problem;
     form_.Controls().SetText("Text1", s_.DataFileName[At(index_)]);
     if (index_ == 1) TakeParameters(ReadParameters(keys_));
     s_.Lpat = s_.LpatMin;

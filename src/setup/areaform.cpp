@@ -13,8 +13,8 @@ AreaForm::AreaForm(AppState& state, UiPort& ui, Param& param)
       refView_(state.PixRef, state.PicRefPalette, controls_, "Command1"),
       defView_(state.PixDef, state.PicDefPalette, controls_, "Command2") {}
 
-bool AreaForm::LoadPictures() {
-  if (!ChargePicArea(s_)) return false;
+bool AreaForm::LoadPictures(std::string* problem) {
+  if (!ChargePicArea(s_, problem)) return false;
   // Sizes go through Str, with its blank before a number: " name ( 640x 480)".
   const auto title = [](const std::string& name, const GreyArray& pixels) {
     return " " + name + " (" + Str(pixels.UpperX()) + "x" + Str(pixels.UpperY()) + ")";

@@ -36,8 +36,9 @@ class AreaForm {
   SetupEngine& Engine() { return engine_; }
 
   // Reads both pictures, shows their titles and makes the views ready.
-  // Returns false when a picture could not be read.
-  bool LoadPictures();
+  // Returns false when a picture could not be read, with the reason in
+  // `*problem` where the picture store gives one.
+  bool LoadPictures(std::string* problem = nullptr);
   // Repaints a view with everything that lies on it.
   void AreAPicRefRefresh();
   void AreAPicDefRefresh();

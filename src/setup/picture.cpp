@@ -7,6 +7,7 @@
 #include <fstream>
 #include <new>
 
+#include "setup/picturecodecs.h"
 #include "state/files.h"
 #include "state/numtext.h"
 #include "state/parameters.h"
@@ -26,12 +27,7 @@ constexpr size_t kHeightAt = 22;
 constexpr size_t kBitsAt = 28;
 constexpr size_t kCompressionAt = 30;
 
-// Beyond these a header is taken for garbage: two 32-bit arrays of the largest
-// accepted picture already take half a gigabyte.
-constexpr int32_t kMaxSide = 32768;
-constexpr int64_t kMaxPixels = int64_t{1} << 26;
-
-enum class Outcome { Read, NotBmp, Failed };
+enum class Outcome { Read, NotPicture, Failed };
 
 // What can be wrong with a picture file, in the order it is looked for.
 enum class Fault {
@@ -40,7 +36,7 @@ enum class Fault {
   Directory,
   NotAFile,
   Unreadable,
-  NotBmp,
+  NotPicture,
   HeadCut,
   BitDepth,
   Compressed,
@@ -70,14 +66,15 @@ struct Header {
   int32_t height = 0;
   uint16_t bits = 0;
   uint32_t compression = 0;
+  PictureCodec codec = PictureCodec::kNone;  // a TIFF or PNG, read by its own decoder
 };
 
 // The size checks both readers make.
 Fault SizeFault(int32_t width, int32_t height) {
   if (height < 0) return Fault::TopDown;
   if (width <= 0 || height == 0) return Fault::NoPixel;
-  if (width > kMaxSide || height > kMaxSide) return Fault::SideTooLong;
-  if (int64_t{width} * height > kMaxPixels) return Fault::TooManyPixels;
+  if (width > kMaxPictureSide || height > kMaxPictureSide) return Fault::SideTooLong;
+  if (int64_t{width} * height > kMaxPicturePixels) return Fault::TooManyPixels;
   return Fault::None;
 }
 
@@ -93,7 +90,8 @@ std::uintmax_t PixelBytes(int32_t width, int32_t height) {
 
 // Finds a picture by its name (without regard to case), opens it and reads
 // its head. Judges only what every reader refuses: a file that isn't there or
-// can't be opened, and one that isn't a BMP.
+// can't be opened, and one that is neither a BMP nor, by its signature, a
+// TIFF or PNG (whose decoders judge the rest).
 Fault OpenPicture(const std::string& path, std::ifstream& in, Header& head) {
   namespace fs = std::filesystem;
   if (path.empty()) return Fault::Missing;
@@ -110,7 +108,10 @@ Fault OpenPicture(const std::string& path, std::ifstream& in, Header& head) {
   in.read(reinterpret_cast<char*>(head.bytes.data()), static_cast<std::streamsize>(head.bytes.size()));
   if (in.bad()) return Fault::Unreadable;
   head.got = static_cast<size_t>(in.gcount());
-  if (ReadU16(head.bytes, 0) != kBmpType) return Fault::NotBmp;
+  if (ReadU16(head.bytes, 0) != kBmpType) {
+    head.codec = CodecOfSignature({reinterpret_cast<const char*>(head.bytes.data()), head.got});
+    return head.codec == PictureCodec::kNone ? Fault::NotPicture : Fault::None;
+  }
   head.width = ReadI32(head.bytes, kWidthAt);
   head.height = ReadI32(head.bytes, kHeightAt);
   head.bits = ReadU16(head.bytes, kBitsAt);
@@ -138,40 +139,84 @@ std::string Grouped(double value) {
   return text;
 }
 
-std::string Describe(Fault fault, const std::string& path, const Header& head) {
-  const std::string picture = "picture " + PrintableName(path);
+std::string PictureNamed(const std::string& path) { return "picture " + PrintableName(path); }
+
+// What is wrong, as the end of a sentence about the picture.
+std::string Complaint(Fault fault, const Header& head) {
   const std::string size = Grouped(head.width) + " x " + Grouped(head.height) + " pixels";
   switch (fault) {
     case Fault::None: return {};
-    case Fault::Missing: return picture + " is missing";
-    case Fault::Directory: return picture + " is a directory, not a BMP file";
-    case Fault::NotAFile: return picture + " is not a regular file";
-    case Fault::Unreadable: return picture + " can't be read";
-    case Fault::NotBmp: return picture + " is not a BMP file";
-    case Fault::HeadCut: return picture + " is cut short: the file ends inside its header";
+    case Fault::Missing: return "is missing";
+    case Fault::Directory: return "is a directory, not a picture file";
+    case Fault::NotAFile: return "is not a regular file";
+    case Fault::Unreadable: return "can't be read";
+    case Fault::NotPicture: return "is not a BMP, TIFF or PNG picture";
+    case Fault::HeadCut: return "is cut short: the file ends inside its header";
     case Fault::BitDepth:
-      return picture + " has " + StrTrim(head.bits) + " bits per pixel; Tessiva reads 8-bit grey-level BMP pictures only";
-    case Fault::Compressed: return picture + " is compressed; Tessiva reads uncompressed BMP pictures only";
+      return "has " + StrTrim(head.bits) + " bits per pixel; Tessiva reads 8-bit grey-level BMP pictures only";
+    case Fault::Compressed: return "is compressed; Tessiva reads uncompressed BMP pictures only";
     case Fault::TopDown:
-      return picture + " stores its rows from the top down (a negative height); Tessiva reads bottom-up BMP pictures only";
-    case Fault::NoPixel: return picture + " claims a size of " + size + ", which holds no pixel";
+      return "stores its rows from the top down (a negative height); Tessiva reads bottom-up BMP pictures only";
+    case Fault::NoPixel: return "claims a size of " + size + ", which holds no pixel";
     case Fault::SideTooLong:
-      return picture + " is " + size + ", beyond the " + Grouped(kMaxSide) + " pixels a side Tessiva reads";
+      return "is " + size + ", beyond the " + Grouped(kMaxPictureSide) + " pixels a side Tessiva reads";
     case Fault::TooManyPixels:
-      return picture + " is " + size + ", larger than the " + Grouped(static_cast<double>(kMaxPixels)) + " pixels (" +
-             StrTrim(static_cast<double>(kMaxPixels >> 20)) + " megapixels) Tessiva reads";
+      return "is " + size + ", larger than the " + Grouped(static_cast<double>(kMaxPicturePixels)) + " pixels (" +
+             StrTrim(static_cast<double>(kMaxPicturePixels >> 20)) + " megapixels) Tessiva reads";
     case Fault::PixelsCut:
-      return picture + " is cut short: its header gives " + size + ", which take " +
+      return "is cut short: its header gives " + size + ", which take " +
              Grouped(static_cast<double>(kHeadBytes + PixelBytes(head.width, head.height))) +
              " bytes, but the file holds only " + Grouped(static_cast<double>(head.length));
   }
-  return picture + " can't be read";
+  return "can't be read";
+}
+
+std::string Describe(Fault fault, const std::string& path, const Header& head) {
+  return fault == Fault::None ? std::string() : PictureNamed(path) + " " + Complaint(fault, head);
+}
+
+// A TIFF or PNG decoded whole, its size judged as a BMP's would be; why not, or "".
+std::string DecodeCoded(const std::string& path, PictureCodec codec, GreyPicture& picture) {
+  const SizeCheck sizeProblem = [](int32_t width, int32_t height) {
+    Header sized;
+    sized.width = width;
+    sized.height = height;
+    return Complaint(SizeFault(width, height), sized);
+  };
+  const std::string file = ResolvePathNoCase(path);
+  const std::string problem =
+      codec == PictureCodec::kTiff ? DecodeTiff(file, sizeProblem, picture) : DecodePng(file, sizeProblem, picture);
+  return problem.empty() ? problem : PictureNamed(path) + " " + problem;
+}
+
+// The decoded levels in a grey-level array: unchanged at full depth, else
+// scaled to 0-255, the range the setup engine and the views work in.
+GreyArray ToGreyArray(const GreyPicture& picture, PictureDepth depth) {
+  GreyArray pixels;
+  pixels.Allocate(picture.width, picture.height);
+  const bool scale = depth == PictureDepth::kEightBit && picture.maxLevel != 255;
+  const auto max = static_cast<uint32_t>(picture.maxLevel);
+  const size_t width = static_cast<size_t>(picture.width);
+  for (int32_t y = 0; y < picture.height; ++y) {
+    const uint16_t* from = picture.levels.data() + static_cast<size_t>(y) * width;
+    std::transform(from, from + width, pixels.Row(y), [&](uint16_t level) {
+      return static_cast<int32_t>(scale ? (level * 255u + max / 2) / max : level);
+    });
+  }
+  return pixels;
+}
+
+// Decoded pictures are grey: their palette is the identity.
+std::array<Colour, 256> GreyPalette() {
+  std::array<Colour, 256> palette{};
+  for (Colour i = 0; i < palette.size(); ++i) palette[i] = i << 16 | i << 8 | i;
+  return palette;
 }
 
 // Opens a picture for the whole reader: why it can't be read whole, or "".
 std::string Examine(const std::string& path, std::ifstream& in, Header& head) {
   Fault fault = OpenPicture(path, in, head);
-  if (fault == Fault::None) fault = WholeFault(head);
+  if (fault == Fault::None && head.codec == PictureCodec::kNone) fault = WholeFault(head);
   return Describe(fault, path, head);
 }
 
@@ -207,16 +252,50 @@ bool ReadRows(std::istream& in, int32_t width, int32_t height, GreyArray& pixels
   return true;
 }
 
+// Copies what fits of `from` into `to`, which keeps its size.
+void CopyFitting(const GreyArray& from, GreyArray& to) {
+  const int32_t columns = std::min(from.UpperX(), to.UpperX() + 1);
+  for (int32_t y = 0; y < std::min(from.UpperY(), to.UpperY() + 1); ++y)
+    std::copy_n(from.Data() + static_cast<size_t>(y) * static_cast<size_t>(from.Stride()), columns, to.Row(y));
+}
+
+// A TIFF or PNG for the setup window: read whole, at 0-255, or refused with
+// `problem` and nothing changed. Unlike a BMP, a deformed picture of another
+// size than the reference is refused, since it can't be correlated with it.
+Outcome LoadCoded(AppState& s, const std::string& path, PictureCodec codec, GreyArray& pixels,
+                  std::array<Colour, 256>& palette, bool isReference, std::string& problem) {
+  GreyPicture decoded;
+  problem = DecodeCoded(path, codec, decoded);
+  if (!problem.empty()) return Outcome::Failed;
+  if (!isReference && (decoded.width != s.PixRef.UpperX() || decoded.height != s.PixRef.UpperY())) {
+    problem = PictureNamed(path) + " is " + Grouped(decoded.width) + " x " + Grouped(decoded.height) +
+              " pixels, but the reference picture is " + Grouped(s.PixRef.UpperX()) + " x " +
+              Grouped(s.PixRef.UpperY());
+    return Outcome::Failed;
+  }
+  const GreyArray read = ToGreyArray(decoded, PictureDepth::kEightBit);
+  palette = GreyPalette();
+  s.Lima = decoded.width;
+  s.Hima = decoded.height;
+  if (isReference) AllocPatAndPictures(s);
+  CopyFitting(read, pixels);
+  return Outcome::Read;
+}
+
 // Reads one picture file into `pixels` and `palette` the setup window's way:
-// a file that isn't a BMP is passed over, and a file cut short gives the rows
+// a file that is no picture is passed over, and a BMP cut short gives the rows
 // it holds. The header is checked before anything is changed; the reference
 // then renews all picture and pattern arrays for its size.
 Outcome LoadPicture(AppState& s, const std::string& path, GreyArray& pixels, std::array<Colour, 256>& palette,
-                    bool isReference) {
+                    bool isReference, std::string& problem) {
   std::ifstream in;
   Header head;
   const Fault fault = OpenPicture(path, in, head);
-  if (fault == Fault::NotBmp) return Outcome::NotBmp;
+  if (fault == Fault::NotPicture) return Outcome::NotPicture;
+  if (fault == Fault::None && head.codec != PictureCodec::kNone) {
+    in.close();
+    return LoadCoded(s, path, head.codec, pixels, palette, isReference, problem);
+  }
   if (fault != Fault::None || !PlausibleSize(head.width, head.height)) return Outcome::Failed;
 
   palette = DecodePalette(head.bytes);
@@ -265,21 +344,35 @@ std::string EncodeGreyBmp(int32_t width, int32_t height, const std::vector<uint8
 
 }  // namespace
 
-bool ChargePicArea(AppState& s) {
+bool ChargePicArea(AppState& s, std::string* problem) {
+  std::string why;
+  const auto told = [&](bool read) {
+    if (problem) *problem = why;
+    return read;
+  };
   try {
-    const Outcome ref = LoadPicture(s, s.PicRefPath, s.PixRef, s.PicRefPalette, true);
-    if (ref != Outcome::Read) return ref == Outcome::NotBmp;
-    return LoadPicture(s, s.PicDefPath, s.PixDef, s.PicDefPalette, false) != Outcome::Failed;
+    const Outcome ref = LoadPicture(s, s.PicRefPath, s.PixRef, s.PicRefPalette, true, why);
+    if (ref != Outcome::Read) return told(ref == Outcome::NotPicture);
+    return told(LoadPicture(s, s.PicDefPath, s.PixDef, s.PicDefPalette, false, why) != Outcome::Failed);
   } catch (const std::exception&) {
-    return false;
+    return told(false);
   }
 }
 
-std::string ReadWholePicture(const std::string& path, GreyArray& pixels, std::array<Colour, 256>* palette) {
+std::string ReadWholePicture(const std::string& path, GreyArray& pixels, std::array<Colour, 256>* palette,
+                             PictureDepth depth) {
   try {
     std::ifstream in;
     Header head;
     if (std::string problem = Examine(path, in, head); !problem.empty()) return problem;
+    if (head.codec != PictureCodec::kNone) {
+      in.close();
+      GreyPicture decoded;
+      if (std::string problem = DecodeCoded(path, head.codec, decoded); !problem.empty()) return problem;
+      pixels = ToGreyArray(decoded, depth);
+      if (palette) *palette = GreyPalette();
+      return {};
+    }
     GreyArray read;
     read.Allocate(head.width, head.height);
     // The length was checked: rows missing now mean the file changed or failed under us.
@@ -288,9 +381,9 @@ std::string ReadWholePicture(const std::string& path, GreyArray& pixels, std::ar
     if (palette) *palette = DecodePalette(head.bytes);
     return {};
   } catch (const std::bad_alloc&) {
-    return "picture " + PrintableName(path) + " is too large for the memory left";
+    return PictureNamed(path) + " is too large for the memory left";
   } catch (const std::exception&) {
-    return "picture " + PrintableName(path) + " can't be read";
+    return PictureNamed(path) + " can't be read";
   }
 }
 
@@ -298,9 +391,18 @@ std::string PictureProblem(const std::string& path) {
   try {
     std::ifstream in;
     Header head;
-    return Examine(path, in, head);
+    std::string problem = Examine(path, in, head);
+    // A TIFF's or PNG's faults show only as it is decoded.
+    if (problem.empty() && head.codec != PictureCodec::kNone) {
+      in.close();
+      GreyPicture decoded;
+      problem = DecodeCoded(path, head.codec, decoded);
+    }
+    return problem;
+  } catch (const std::bad_alloc&) {
+    return PictureNamed(path) + " is too large for the memory left";
   } catch (const std::exception&) {
-    return "picture " + PrintableName(path) + " can't be read";
+    return PictureNamed(path) + " can't be read";
   }
 }
 

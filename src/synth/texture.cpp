@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <random>
 
 #include "setup/picture.h"
@@ -13,6 +14,25 @@ namespace {
 
 constexpr double kCell = 8.0;
 constexpr double kFlatGrey = 40.0;  // what a hole shows
+constexpr double kSixteenBitsPerLevel = 257.0;  // 65535 / 255
+
+// Levels on the 0-255 scale times `scale`, rounded and kept within the type.
+template <typename Level>
+std::vector<Level> Quantised(const std::vector<double>& levels, double scale) {
+  constexpr double top = std::numeric_limits<Level>::max();
+  std::vector<Level> out(levels.size());
+  std::transform(levels.begin(), levels.end(), out.begin(),
+                 [&](double level) { return static_cast<Level>(std::clamp(std::nearbyint(level * scale), 0.0, top)); });
+  return out;
+}
+
+bool SavePicture(const std::string& path, PictureFileFormat format, int32_t width, int32_t height,
+                 const std::vector<double>& levels) {
+  if (format == PictureFileFormat::kBmp) return SaveGreyBmp(path, width, height, Quantised<uint8_t>(levels, 1.0));
+  const std::vector<uint16_t> fine = Quantised<uint16_t>(levels, kSixteenBitsPerLevel);
+  return format == PictureFileFormat::kPng16 ? WriteGreyPng16(path, width, height, fine)
+                                             : WriteGreyTiff16(path, width, height, fine);
+}
 
 }  // namespace
 
@@ -26,7 +46,7 @@ Speckle::Speckle(const SpeckleSettings& st) {
   reach2_ = 16.0 * st.spotRadius * st.spotRadius;
   std::mt19937_64 rng(st.seed);
   std::uniform_real_distribution<double> px(-margin_, st.width + margin_), py(-margin_, st.height + margin_);
-  std::uniform_real_distribution<double> amplitude(-90.0, 90.0);
+  std::uniform_real_distribution<double> amplitude(-90.0 * st.contrast, 90.0 * st.contrast);
   const auto count = static_cast<int64_t>(st.density * (st.width + 2 * margin_) * (st.height + 2 * margin_));
   for (int64_t n = 0; n < count; ++n) {
     const Spot s{px(rng), py(rng), amplitude(rng)};
@@ -48,9 +68,9 @@ double Speckle::At(double x, double y) const {
   return level;
 }
 
-std::vector<uint8_t> Render(const Speckle& speckle, const SpeckleSettings& st, const FieldSpec* field,
-                            uint32_t noiseSeed) {
-  std::vector<uint8_t> levels(static_cast<size_t>(st.width) * st.height);
+std::vector<double> RenderLevels(const Speckle& speckle, const SpeckleSettings& st, const FieldSpec* field,
+                                 uint32_t noiseSeed) {
+  std::vector<double> levels(static_cast<size_t>(st.width) * st.height);
   const int32_t n = std::max(st.superSampling, 1);
   std::mt19937_64 rng(noiseSeed);
   std::normal_distribution<double> noise(0.0, std::max(st.noiseSigma, 1e-12));
@@ -67,21 +87,27 @@ std::vector<uint8_t> Render(const Speckle& speckle, const SpeckleSettings& st, c
         }
       double level = sum / (n * n);
       if (st.noiseSigma > 0.0) level += noise(rng);
-      levels[static_cast<size_t>(py) * st.width + px] = static_cast<uint8_t>(std::clamp(std::nearbyint(level), 0.0, 255.0));
+      levels[static_cast<size_t>(py) * st.width + px] = level;
     }
   return levels;
 }
 
-bool WriteSyntheticPair(const std::string& dir, const SpeckleSettings& st, const FieldSpec& field, int32_t step) {
+std::vector<uint8_t> Render(const Speckle& speckle, const SpeckleSettings& st, const FieldSpec* field,
+                            uint32_t noiseSeed) {
+  return Quantised<uint8_t>(RenderLevels(speckle, st, field, noiseSeed), 1.0);
+}
+
+bool WriteSyntheticPair(const std::string& dir, const SpeckleSettings& st, const FieldSpec& field,
+                        PictureFileFormat format, int32_t step) {
   const Speckle speckle(st);
-  std::vector<uint8_t> ref = Render(speckle, st, nullptr, st.seed + 1);
+  std::vector<double> ref = RenderLevels(speckle, st, nullptr, st.seed + 1);
   if (field.kind == FieldKind::PlateWithHole) {
     // The hole shows flat in the reference too.
     for (int32_t y = 0; y < st.height; ++y)
       for (int32_t x = 0; x < st.width; ++x)
-        if (!Material(field, x, y)) ref[static_cast<size_t>(y) * st.width + x] = static_cast<uint8_t>(kFlatGrey);
+        if (!Material(field, x, y)) ref[static_cast<size_t>(y) * st.width + x] = kFlatGrey;
   }
-  const std::vector<uint8_t> def = Render(speckle, st, &field, st.seed + 2);
+  const std::vector<double> def = RenderLevels(speckle, st, &field, st.seed + 2);
   std::string truth = "; synthetic pair: x = X + u(X), lengths in pixels\nfield=" + FieldKindName(field.kind) +
                       "\na=" + StrTrim(field.a) + "\nb=" + StrTrim(field.b) + "\nc=" + StrTrim(field.c) +
                       "\npoisson=" + StrTrim(field.poisson) + "\ncx=" + StrTrim(field.cx) + "\ncy=" + StrTrim(field.cy) +
@@ -93,8 +119,9 @@ bool WriteSyntheticPair(const std::string& dir, const SpeckleSettings& st, const
       truth += std::to_string(x) + " " + std::to_string(y) + " " + Format(d.u, "0.000000") + " " +
                Format(d.v, "0.000000") + "\n";
     }
-  return SaveGreyBmp(JoinPath(dir, "ref.bmp"), st.width, st.height, ref) &&
-         SaveGreyBmp(JoinPath(dir, "def.bmp"), st.width, st.height, def) &&
+  const std::string extension(ExtensionOf(format));
+  return SavePicture(JoinPath(dir, "ref." + extension), format, st.width, st.height, ref) &&
+         SavePicture(JoinPath(dir, "def." + extension), format, st.width, st.height, def) &&
          WriteFileAtomically(JoinPath(dir, "truth.txt"), truth);
 }
 

@@ -106,7 +106,7 @@ TEST_F(InputFixture, ReferenceNamesTheNodesAfterTheKindOfSequence) {
     EXPECT_FALSE(OptionsEnabled() || StartOffered());
   }
   EXPECT_EQ(ReadKeyText("PATH", "LastDir", s.IniPath), dir.Path());
-  EXPECT_EQ(ui.dialogRequests[0].filter, "Image|*.bmp");
+  EXPECT_EQ(ui.dialogRequests[0].filter, "Image|*.bmp;*.tif;*.tiff;*.png");
 }
 
 TEST_F(InputFixture, DeformedPicturesNameTheSequenceOrTheDataFile) {
@@ -121,6 +121,9 @@ TEST_F(InputFixture, DeformedPicturesNameTheSequenceOrTheDataFile) {
       {0, {"p9.bmp", "p10.bmp", "p1.bmp"}, {"p1.bmp", "p10.bmp", "p9.bmp"}, "-p9-S.seq", true},
       {1, {"b.bmp", "a.bmp"}, {"a.bmp", "b.bmp"}, "-b-I.seq", true},
       {0, {"d.bmp"}, {"d.bmp"}, "-d.don", false},
+      // Names lose their picture extension, whatever its length or case.
+      {1, {"b.tiff", "a.png"}, {"a.png", "b.tiff"}, "-b-I.seq", true},
+      {0, {"d.TIF"}, {"d.TIF"}, "-d.don", false},
   };
   for (const Case& c : cases) {
     input.Load();
@@ -138,7 +141,7 @@ TEST_F(InputFixture, DeformedPicturesNameTheSequenceOrTheDataFile) {
     EXPECT_EQ(OptionsEnabled(), c.options) << c.ending;
     EXPECT_TRUE(StartOffered());
   }
-  EXPECT_EQ(input.Controls().Text("Label2"), "ref.bmp\nd.bmp\n");
+  EXPECT_EQ(input.Controls().Text("Label2"), "ref.bmp\nd.TIF\n");
   // A second selection replaces the first.
   Pick("Dp", {"e.bmp"});
   EXPECT_EQ(Text("FicDef0001"), "e.bmp");

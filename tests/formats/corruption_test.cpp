@@ -3,12 +3,16 @@
 // came before it consistent. Random damage is the fuzz targets' part.
 #include <gtest/gtest.h>
 
+#include <optional>
 
 #include "formats/datafile.h"
 #include "formats/sections.h"
 #include "formats/setupwindow.h"
 #include "formats/sidefiles.h"
 #include "setup/areafiles.h"
+#include "setup/picturecodecs.h"
+#include "state/files.h"
+#include "support/picturefiles.h"
 
 namespace tessiva {
 namespace {
@@ -74,6 +78,43 @@ TEST(DamagedFiles, ADataFileThatFailsHalfWayKeepsWhatCameBeforeConsistent) {
     EXPECT_EQ(w.s.NbPat > 0, c.gridLaid);
     EXPECT_EQ(w.form.Gages().Count(), 0);
     EXPECT_EQ(w.s.NbStart, 0);
+    ExpectStoresHold(w);
+  }
+}
+
+// A TIFF or PNG that can't be read, or a deformed one of another size than
+// the reference, stops the data file's load with a message naming it; what
+// was loaded before stays consistent.
+TEST(DamagedFiles, APictureThatCantBeReadStopsTheLoadNamingIt) {
+  using testing::BadPicture;
+  struct Case {
+    const char* name;
+    std::string ref, def;  // the pictures the data file names; the faulty one is made below
+    std::optional<BadPicture> damage;
+  };
+  const Case cases[] = {
+      {"truncated TIFF", "bad.tif", "def.bmp", BadPicture::kTruncatedTiff},
+      {"PNG with a bad checksum", "ref.bmp", "bad.png", BadPicture::kPngBadChecksum},
+      {"32-bit float TIFF", "bad.tif", "def.bmp", BadPicture::kFloatTiff},
+      {"deformed picture of another size", "ref.tif", "bad.tif", std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    SetupWindow w;
+    const std::string bad = w.dir.File(c.ref.starts_with("bad") ? c.ref : c.def);
+    std::string fault = "is 12 x 12 pixels, but the reference picture is 16 x 12";
+    if (c.damage) {
+      fault = testing::WriteBadPicture(bad, *c.damage, 16, 12);
+    } else {
+      ASSERT_TRUE(WriteGreyTiff16(w.dir.File("ref.tif"), 16, 12, std::vector<uint16_t>(16 * 12, 7000)));
+      ASSERT_TRUE(WriteGreyTiff16(bad, 12, 12, std::vector<uint16_t>(12 * 12, 7000)));
+    }
+    const std::string before = w.dir.Read(FileNameOf(bad));
+    w.dir.Write("a.don", "[PICTURES]\n  PicRef=" + c.ref + "\n  PicDef=" + c.def + "\n");
+    w.Member("a.don");
+    EXPECT_FALSE(LecDonArea(w.form, 1, false));
+    EXPECT_NE(w.Status().find("picture " + bad + " " + fault), std::string::npos) << w.Status();
+    EXPECT_EQ(w.dir.Read(FileNameOf(bad)), before);
     ExpectStoresHold(w);
   }
 }

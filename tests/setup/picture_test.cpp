@@ -208,10 +208,10 @@ TEST_F(PictureFixture, WholeReadRefusesFaultyPicturesNamingThemAndTheFault) {
       {Bmp(4, 32769, body), "is 4 x 32,769 pixels, beyond the 32,768 pixels a side Tessiva reads"},
       {Bmp(8193, 8193, body), "larger than the 67,108,864 pixels (64 megapixels) Tessiva reads"},
       {Bmp(0, 4, body), "claims a size of 0 x 4 pixels, which holds no pixel"},
-      {"GIF89a\x04\x00\x04\x00", "is not a BMP file"},
+      {"GIF89a\x04\x00\x04\x00", "is not a BMP, TIFF or PNG picture"},
       {with(Plain(2, 2), 28, 24), "has 24 bits per pixel; Tessiva reads 8-bit grey-level BMP pictures only"},
       {with(Plain(2, 2), 30, 1), "is compressed"},
-      {"directory", "is a directory, not a BMP file"},
+      {"directory", "is a directory, not a picture file"},
       {"missing", "is missing"},
   };
   for (const auto& [content, fault] : cases) {

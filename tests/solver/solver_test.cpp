@@ -12,6 +12,7 @@
 #include "job.h"
 #include "runner.h"
 #include "setup/picture.h"
+#include "support/picturefiles.h"
 #include "solver/synthetic_job.h"
 #include "formats/seqfile.h"
 #include "state/files.h"
@@ -257,8 +258,34 @@ TEST(SolverJobs, BadInputSkipsThatJobOnlyAndLeavesEveryFileAsItWas) {
       dir.Write("odd.don", Replaced(good, "PicRef=ref.bmp", "PicRef=odd.bmp"));
     };
   };
+  // A TIFF or PNG in place of the deformed picture.
+  const auto coded = [](const std::string& name, const std::function<void(const std::string&)>& write) {
+    return [=](const TempDir& dir, const std::string& good) {
+      write(dir.File(name));
+      dir.Write("odd.don", Replaced(good, "PicDef=def.bmp", "PicDef=" + name));
+    };
+  };
+  const auto damaged = [](testing::BadPicture kind) {
+    return [kind](const std::string& path) { testing::WriteBadPicture(path, kind, 160, 160); };
+  };
   const Case cases[] = {
       {"missing picture", "gone.don", "gone.bmp", faulty("PicDef=def.bmp", "PicDef=gone.bmp", "gone.don")},
+      {"a truncated TIFF", "odd.don", "odd.tif is damaged or cut short",
+       coded("odd.tif", damaged(testing::BadPicture::kTruncatedTiff))},
+      {"a PNG with a bad checksum", "odd.don", "odd.png is damaged or cut short (libpng: IDAT: CRC error)",
+       coded("odd.png", damaged(testing::BadPicture::kPngBadChecksum))},
+      {"a 32-bit float TIFF", "odd.don", "odd.tif is a TIFF of 32-bit floating-point levels",
+       coded("odd.tif", damaged(testing::BadPicture::kFloatTiff))},
+      {"a deformed picture of another size", "odd.don", "odd.tif is 160 x 150 pixels, but the reference picture",
+       coded("odd.tif",
+             [](const std::string& path) { WriteGreyTiff16(path, 160, 150, std::vector<uint16_t>(160 * 150, 9000)); })},
+      // Levels 257 times those of an 8-bit picture are as flat.
+      {"a start point on a blank 16-bit region", "odd.don", "odd.don",
+       [](const TempDir& dir, const std::string& good) {
+         const std::vector<uint16_t> flat(160 * 160, 90 * 257);
+         ASSERT_TRUE(WriteGreyPng16(dir.File("flat.png"), 160, 160, flat));
+         dir.Write("odd.don", Replaced(Replaced(good, "ref.bmp", "flat.png"), "def.bmp", "flat.png"));
+       }},
       {"no start point", "nostart.don", "nostart.don",
        [](const TempDir& dir, const std::string&) {
          JobSetup bad;

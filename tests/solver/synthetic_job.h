@@ -7,13 +7,10 @@
 
 #include <string>
 
-#include "analysis/analysisfiles.h"
-#include "analysis/newanalyse.h"
-#include "results/resultfile.h"
 #include "setup/rectanglesetup.h"
+#include "solver/resultview.h"
 #include "support/tempdir.h"
 #include "synth/texture.h"
-#include "ui/scriptedui.h"
 
 namespace tessiva::testing {
 
@@ -25,22 +22,5 @@ inline void MakeDataFile(const std::string& dir, const std::string& name, JobSet
   job.dataName = name;
   ASSERT_EQ(SetUpRectangle(job), "");
 }
-
-// The analysis window reading one result file.
-struct ResultView {
-  AppState s;
-  ControlRegistry frame;
-  ScriptedUi ui{frame};
-  Param param{s};
-  NewAnalyse window{s, ui, param};
-
-  bool Read(const std::string& dir, const std::string& resPath) {
-    s.LastDir = dir;
-    s.NbSeq = 1;
-    s.ResizeSequence(1);
-    s.DataFilePath[1] = resPath;
-    return LecRes(window, 1, false);
-  }
-};
 
 }  // namespace tessiva::testing
