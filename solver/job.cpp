@@ -53,6 +53,17 @@ std::variant<std::vector<StartSeed>, std::string> StartSeeds(const AppState& s) 
   return seeds;
 }
 
+// The job's field on its pictures, prepared over the worker pool. The
+// pictures are gone once it returns, before the result is written.
+FieldSolution SolvedField(LoadedJob& job, const std::vector<StartSeed>& seeds, int32_t threads) {
+  AppState& s = job.s;
+  const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});
+  const int32_t height = std::min({s.Hima, s.PixRef.UpperY(), s.PixDef.UpperY()});
+  WorkerPool pool(threads);
+  const SampledPair pair(s.PixRef, s.PixDef, width, height, InterpolantOf(s), pool);
+  return SolveField(ProblemOf(job, pair.ref, pair.def, threads), seeds, pool);
+}
+
 }  // namespace
 
 bool ResultWouldOverwrite(const std::string& dataPath) {
@@ -78,11 +89,7 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
   const auto& seeds = std::get<std::vector<StartSeed>>(found);
   if (seeds.empty()) return Failure(path + ": no start point with a known displacement");
 
-  const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});
-  const int32_t height = std::min({s.Hima, s.PixRef.UpperY(), s.PixDef.UpperY()});
-  WorkerPool pool(options.threads);
-  const SampledPair pair(job->s.PixRef, job->s.PixDef, width, height, InterpolantOf(s), pool);
-  const FieldSolution field = SolveField(ProblemOf(*job, pair.ref, pair.def, options.threads), seeds, pool);
+  const FieldSolution field = SolvedField(*job, seeds, options.threads);
   for (size_t i = 0; i < seeds.size(); ++i)
     if (!field.seedGood[i])
       return Failure(path + ": start point at (" + std::to_string(s.XPat[seeds[i].pattern]) + ", " +
