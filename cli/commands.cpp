@@ -11,7 +11,6 @@
 #include "pickcommand.h"
 #include "setupcommand.h"
 #include "sifcommand.h"
-#include "state/numtext.h"
 #include "synthcommand.h"
 
 namespace tessiva::cli {
@@ -24,30 +23,6 @@ constexpr const char* kAbout =
 constexpr const char* kFooter =
     "Run tessiva-cli COMMAND --help for a command's options.\n"
     "The forming-limit curve comes from correl.ini in the current directory, when there is one.";
-
-constexpr const char* kUsage =
-    "Usage: tessiva-cli synth DIR FIELD [A [B [C]]] [--size N] [--noise SIGMA] [--seed K]\n"
-    "                         [--format bmp|png16|tiff16]\n"
-    "       tessiva-cli --help\n"
-    "\n"
-    "synth   writes a synthetic speckle pair DIR/ref.bmp, DIR/def.bmp (.png or .tif with --format\n"
-    "        png16 or tiff16, at 16 bits) with a known displacement\n"
-    "        field, and the field at every point in DIR/truth.txt. FIELD and its values:\n"
-    "          translation U V, strain EXX EYY, shear GAMMA, rotation DEGREES,\n"
-    "          sinusoid AMPLITUDE PERIOD, hole REMOTE_STRAIN RADIUS,\n"
-    "          neck STRAIN PEAK WIDTH, crack KI/(2 mu)\n"
-    "\n"
-    "The forming-limit curve comes from correl.ini in the current directory, when there is one.\n";
-
-}  // namespace
-
-std::optional<int32_t> WholeNumber(const std::string& text) {
-  const double value = ValNorm(text);
-  if (text.empty() || value != Round(value)) return std::nullopt;
-  return RoundToInt32(value);
-}
-
-namespace {
 
 // A command as the dispatch sees it: its part of the command line, and its
 // work over the request that part's options filled.
@@ -63,18 +38,6 @@ Command Declare(CLI::App& app, CLI::App* (*add)(CLI::App&, Request&),
   CLI::App* command = add(app, *request);
   command->group("Commands");
   return {command, [request, run](std::ostream& out, std::ostream& err) { return run(*request, out, err); }};
-}
-
-// The commands still read by their own parsers: the words after the command's name.
-using OldParser = std::function<int(const std::vector<std::string>&, std::string&, std::ostream&, std::ostream&)>;
-
-template <typename Request>
-OldParser Old(std::optional<Request> (*parse)(const std::vector<std::string>&, std::string&),
-              int (*run)(const Request&, std::ostream&, std::ostream&)) {
-  return [parse, run](const std::vector<std::string>& args, std::string& problem, std::ostream& out, std::ostream& err) {
-    if (const auto request = parse(args, problem)) return run(*request, out, err);
-    return -1;
-  };
 }
 
 // The first word of a command line that nothing took, named as what it looks like.
@@ -108,9 +71,7 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
       Declare(app, AddExportCommand, RunExport), Declare(app, AddFilmCommand, RunFilm),
       Declare(app, AddFlcCommand, RunFlc),       Declare(app, AddMapCommand, RunMap),
       Declare(app, AddPickCommand, RunPick),     Declare(app, AddSetupCommand, RunSetup),
-      Declare(app, AddSifCommand, RunSif)};
-  const std::vector<std::pair<CLI::App*, OldParser>> old{
-      {app.add_subcommand("synth")->prefix_command(), Old(ParseSynth, RunSynth)}};
+      Declare(app, AddSifCommand, RunSif),       Declare(app, AddSynthCommand, RunSynth)};
   // An unknown command is kept among the words left over, to be named; the
   // commands, made before, don't inherit this and refuse their own leftovers,
   // nor do they show the program's footer.
@@ -130,15 +91,9 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     return Refused(refusal.what(), Chosen(app), err);
   }
   const std::vector<std::string> rest = app.remaining();
-  for (const Command& command : commands)
-    if (command.app->parsed()) return rest.empty() ? command.run(out, err) : Refused(Unexpected(rest.front()), command.app, err);
-  for (const auto& [command, parse] : old) {
-    if (!command->parsed()) continue;
-    std::string problem;
-    const int status = parse(command->remaining(), problem, out, err);
-    if (status >= 0) return status;
-    err << "tessiva-cli: " << problem << "\n\n" << kUsage;
-    return kUsageError;
+  for (const Command& command : commands) {
+    if (!command.app->parsed()) continue;
+    return rest.empty() ? command.run(out, err) : Refused(Unexpected(rest.front()), command.app, err);
   }
   return Refused(rest.empty() ? "no command given" : "unknown command " + rest[0], nullptr, err);
 }

@@ -1,8 +1,7 @@
-// The commands of tessiva-cli and its usage text.
+// tessiva-cli: one command line parser (CLI11) with a command for each of
+// the program's jobs; each command declares its options beside its work.
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -10,13 +9,11 @@
 namespace tessiva::cli {
 
 // Exit statuses: done, the work failed (the message is on standard error),
-// the command line is wrong (the usage follows the complaint).
+// the command line was refused before anything was done (the complaint names
+// what is wrong and where the command's help is).
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kUsageError = 2;
-
-// A whole number of the command line, or nothing when the text isn't one.
-std::optional<int32_t> WholeNumber(const std::string& text);
 
 // Runs a command line, the program's name left out.
 int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);

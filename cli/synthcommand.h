@@ -2,12 +2,16 @@
 // and the ground truth it was made with.
 #pragma once
 
-#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "setup/picturecodecs.h"
 #include "synth/texture.h"
+
+namespace CLI {
+class App;
+}
 
 namespace tessiva::cli {
 
@@ -18,10 +22,9 @@ struct SynthRequest {
   PictureFileFormat format = PictureFileFormat::kBmp;
 };
 
-// The arguments after "synth": DIR FIELD [A [B [C]]] [--size N] [--noise SIGMA]
-// [--seed K] [--format bmp|png16|tiff16]. Nothing, and the complaint in
-// `problem`, when they are wrong.
-std::optional<SynthRequest> ParseSynth(const std::vector<std::string>& args, std::string& problem);
+// Declares "synth" and its options on `app`; parsing fills `request`. A
+// field's lengths (a sinusoid's period, a neck's width) must be above zero.
+CLI::App* AddSynthCommand(CLI::App& app, SynthRequest& request);
 
 // Writes DIR/ref.EXT, DIR/def.EXT (EXT: bmp, png or tif) and DIR/truth.txt.
 int RunSynth(const SynthRequest& request, std::ostream& out, std::ostream& err);

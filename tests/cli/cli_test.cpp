@@ -46,7 +46,10 @@ TEST_F(Cli, ResultsThatCannotBeReadGetTheReadersMessage) {
 // and writes nothing.
 TEST_F(Cli, SetupWritesTheDataFileOfSyntheticPictures) {
   const std::string pictures = dir.File("pictures");
-  ASSERT_EQ(RunCommand({"synth", pictures, "translation", "3", "-2", "--size", "128"}).status, kDone);
+  const Outcome synth = RunCommand({"synth", pictures, "translation", "3", "-2", "--size", "128"});
+  ASSERT_EQ(synth.status, kDone) << synth.err;
+  EXPECT_EQ(synth.out, JoinPath(pictures, "ref.bmp") + " written\n" + JoinPath(pictures, "def.bmp") + " written\n" +
+                           JoinPath(pictures, "truth.txt") + " written\n");
   const Outcome outside = RunCommand({"setup", pictures, "--area", "10", "10", "300", "100"});
   EXPECT_EQ(outside.status, kFailed);
   EXPECT_NE(outside.err.find("doesn't lie inside the picture of 128 x 128 pixels"), std::string::npos) << outside.err;

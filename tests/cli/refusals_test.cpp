@@ -47,12 +47,17 @@ TEST(CliRefusals, SayWhatIsWrongAndWriteNothing) {
       {{"setup", dir.Path(), "--grid", "ten"}, "--grid: ten is not a whole number"},
       {{"setup", dir.Path(), "--grid", "8.5"}, "--grid: 8.5 is not a whole number"},
       {{"map", res, "--field", "norm", "--png", out, "--magnification", "big"}, "--magnification: big is not a number"},
+      {{"synth", dir.File("pictures"), "translation", "3", "two"}, "VALUES: two is not a number"},
       {{"pick", res, "--tool", "point", "--field", "norm", "--at", "80,x"}, "--at takes X1,Y1[,X2,Y2], numbers separated by commas, not 80,x"},
       {{"setup", dir.Path(), "--grid", "30"}, "--grid: 30 is out of range (2 to 20)"},
       {{"setup", dir.Path(), "--pattern", "4", "25"}, "--pattern: 4 is out of range (6 to 32)"},
       {{"setup", dir.Path(), "--pattern", "25", "21"}, "--pattern 25 21: the smaller size comes first"},
       {{"flc", res, "--position", "-1"}, "--position: -1 is out of range (0 to 100)"},
       {{"sif", res, "--crack", "1,2,3,4", "--radius", "0"}, "--radius: 0 is out of range (above 0)"},
+      {{"synth", dir.File("pictures"), "translation", "--size", "8"}, "--size: 8 is out of range (16 to 8192)"},
+      {{"synth", dir.File("pictures"), "translation", "--seed", "-1"}, "--seed: -1 is out of range (0 to 4294967295)"},
+      {{"synth", dir.File("pictures"), "translation", "--noise", "-0.5"}, "--noise: -0.5 is out of range (0 or above)"},
+      {{"synth", dir.File("pictures"), "sinusoid", "0.5"}, "the sinusoid's PERIOD must be above 0, not 0"},
       // Files that aren't there, and a picture that isn't one.
       {{"export", missing, "--cfr", out}, missing + " not found"},
       {{"setup", dir.File("nowhere")}, dir.File("nowhere") + " not found"},
@@ -65,6 +70,8 @@ TEST(CliRefusals, SayWhatIsWrongAndWriteNothing) {
       {{"export", res, "--cfr", out, "--unv", out}, "give only one of --cfr, --unv, --inp, --vtu and --csv"},
       {{"setup", dir.Path(), "--data", "job.res"}, "the data file's name must end in .don"},
       {{"sif", res, "--crack", "1,2,3,4"}, "--radius is required"},
+      {{"synth", dir.File("pictures"), "spiral"}, "unknown field spiral; the fields are translation U V, strain EXX EYY"},
+      {{"synth", dir.File("pictures"), "shear", "0.1", "--format", "jpeg"}, "--format: jpeg is not one of bmp, png16, tiff16"},
   };
   const std::set<std::string> before = Listing(dir.Path());
   for (const Case& c : cases) {
@@ -83,7 +90,7 @@ TEST(CliRefusals, HelpForTheProgramAndEachCommand) {
     std::vector<std::string> named;
   };
   const Case cases[] = {
-      {{"--help"}, {"export", "film", "flc", "map", "pick", "setup", "sif", "tessiva-cli COMMAND --help"}},
+      {{"--help"}, {"export", "film", "flc", "map", "pick", "setup", "sif", "synth", "tessiva-cli COMMAND --help"}},
       {{"export", "--help"}, {"RESULT", "--cfr", "--unv", "--inp", "--vtu", "--csv", "--show-bad-pattern", "--final-to-initial"}},
       {{"setup", "-h"}, {"DIR", "--ref", "--def", "--data", "--area", "--grid", "--pattern", "--bilinear", "--large-strain"}},
       {{"film", "--help"}, {"SEQUENCE", "--field", "--out", "--selection"}},
@@ -91,6 +98,7 @@ TEST(CliRefusals, HelpForTheProgramAndEachCommand) {
       {{"map", "--help"}, {"INPUT", "--field", "--png", "--smooth", "--on-final", "--magnification", "--palette", "--show-bad", "--list-fields"}},
       {{"pick", "--help"}, {"INPUT", "--tool", "--at", "--field", "--csv"}},
       {{"sif", "--help"}, {"INPUT", "--crack", "--radius", "--klarg", "--csv"}},
+      {{"synth", "--help"}, {"DIR", "FIELD", "VALUES", "--size", "--noise", "--seed", "--format", "neck STRAIN PEAK WIDTH"}},
   };
   for (const Case& c : cases) {
     const Outcome o = RunCommand(c.args);
