@@ -6,7 +6,6 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <algorithm>
-#include <cctype>
 
 #include "qimagecanvas.h"
 #include "state/files.h"
@@ -73,10 +72,7 @@ std::optional<RgbImage> QtCapture::Compose(const CaptureLayout& layout, const Ca
 }
 
 bool QtCapture::Save(const RgbImage& picture, const std::string& path) {
-  std::string extension = path.size() >= 4 ? path.substr(path.size() - 4) : std::string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  const auto bytes = EncodedPicture(ToQImage(picture), extension == ".png" ? "PNG" : "BMP");
+  const auto bytes = EncodedPicture(ToQImage(picture), NamesPng(path) ? "PNG" : "BMP");
   return bytes && WriteFileAtomically(path, *bytes);
 }
 

@@ -1,7 +1,6 @@
 #include "analysis/capture.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "analysis/fieldlist.h"
 #include "analysis/newanalyse.h"
@@ -55,16 +54,6 @@ std::string MemberName(NewAnalyse& window, int32_t member) {
   if (member >= 1 && static_cast<size_t>(member) < s.DataFileName.size() && !s.DataFileName[At(member)].empty())
     return FileNameOf(s.DataFileName[At(member)]);
   return s.ResName;
-}
-
-std::string ExtensionOf(const std::string& path) {
-  const std::string name = FileNameOf(path);
-  const size_t dot = name.find_last_of('.');
-  if (dot == std::string::npos) return {};
-  std::string extension = name.substr(dot);
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return extension;
 }
 
 FileDialogRequest PictureDialog(NewAnalyse& window, const std::string& title, const std::string& name) {
@@ -177,7 +166,7 @@ bool Film2(NewAnalyse& window, CapturePort& port) {
       if (chosen.FileName.empty()) return stop(kCancelled);
       directory = DirectoryOf(chosen.FileName);
       // A name ending in .png chosen here makes the whole sequence PNG.
-      if (ExtensionOf(chosen.FileName) == ".png") extension = ".png";
+      if (NamesPng(chosen.FileName)) extension = ".png";
     }
     const std::string path = JoinPath(*directory, CaptureFileName(MemberName(window, member), field, extension));
     if (!port.Save(*picture, path))

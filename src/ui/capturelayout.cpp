@@ -1,6 +1,9 @@
 #include "ui/capturelayout.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <string_view>
 
 namespace tessiva {
 namespace {
@@ -22,6 +25,13 @@ CaptureLegend LayOutLegend(int top, int scale) {
 }
 
 }  // namespace
+
+bool NamesPng(const std::string& path) {
+  constexpr std::string_view kPng = ".png";
+  if (path.size() < kPng.size()) return false;
+  return std::equal(kPng.begin(), kPng.end(), path.end() - static_cast<std::ptrdiff_t>(kPng.size()),
+                    [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
+}
 
 CaptureLayout LayOutCapture(int mapWidth, int mapHeight, bool withAxes, std::optional<CaptureRect> graphSize,
                             int scale, bool trimFrame) {

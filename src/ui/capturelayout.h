@@ -46,6 +46,10 @@ struct CaptureLayout {
   std::optional<CaptureRect> graph;
 };
 
+// True for a file name ending in ".png", in any case: captures saved under
+// such a name are PNG pictures, BMP otherwise.
+bool NamesPng(const std::string& path);
+
 // The sizes the window's parts are copied at.
 inline constexpr int kCaptureAxesSide = 46;
 inline constexpr int kCaptureLegendWidth = 318;

@@ -128,10 +128,13 @@ TEST(CaptureLayoutTest, PartsStandWhereTheWindowCopiesThem) {
   }
 }
 
-TEST(CaptureFileNameTest, ResultLessItsExtensionThenTheField) {
+TEST(CaptureFileNameTest, ResultLessItsExtensionThenTheFieldAndPngByItsEnding) {
   EXPECT_EQ(CaptureFileName("r1.res", "Teta(1,I)", ".bmp"), "r1-Teta(1,I).bmp");
   EXPECT_EQ(CaptureFileName("test-12.res", "1 displacement", ".png"), "test-12-1 displacement.png");
   EXPECT_EQ(CaptureFileName("a.res", "E1/E2\\x", ".bmp"), "a-E1_E2_x.bmp");
+  for (const auto& [name, png] : {std::pair{"dir/a.png", true}, {"A.PNG", true}, {"a.bmp", false}, {"png", false},
+                                  {"a.pngs", false}, {"", false}})
+    EXPECT_EQ(NamesPng(name), png) << name;
 }
 
 TEST_F(CaptureTest, FilmSendsThePictureToTheClipboardAndSavesItUnderTheChosenName) {
