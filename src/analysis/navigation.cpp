@@ -64,7 +64,6 @@ void NewAnalyse::Run() {
 // The analysis reads the parameters of its results; it never changes them.
 void NewAnalyse::Parametre() {
   for (const char* field : kParameterFields) param_.Controls().SetEnabled(field, false);
-  param_.ParamShow();
   param_.SelectTab(1);
   ui_.Frame().SetVisible("Param", true);
 }
