@@ -4,7 +4,6 @@
 // and as BMP.
 #include <benchmark/benchmark.h>
 
-#include <QGuiApplication>
 
 #include "analysis/capture.h"
 #include "capturepicture.h"
@@ -14,18 +13,9 @@
 namespace tessiva {
 namespace {
 
-// Text is drawn through a Qt Gui application, here one without a screen.
-void StartOffscreenGui() {
-  static int argc = 3;
-  static char name[] = "bench_capture", option[] = "-platform", platform[] = "offscreen";
-  static char* argv[] = {name, option, platform, nullptr};
-  static QGuiApplication app(argc, argv);
-}
-
 class CaptureBench : public bench::LargeResultWindow {
  public:
   CaptureBench() : LargeResultWindow("capture") {
-    StartOffscreenGui();
     window.PicAna = &map;
     window.IsoPic = &bar;
     window.Repere = &axes;

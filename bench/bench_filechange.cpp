@@ -4,7 +4,6 @@
 // selection replayed on it, as the navigation keys and Run do.
 #include <benchmark/benchmark.h>
 
-#include <QGuiApplication>
 #include <chrono>
 
 #include "largeresultwindow.h"
@@ -55,14 +54,3 @@ BENCHMARK(BM_FileChange)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterat
 
 }  // namespace
 }  // namespace tessiva
-
-// The point's value printed on the map needs a font database, so a Qt
-// application off any screen.
-int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

@@ -2,7 +2,6 @@
 // moves, on a result of 250,000 patterns over a 2048 x 2048 picture: the 79
 // points sampled again across the band, both determinations, and the graph
 // drawn into a 600 x 400 picture. Target: under 5 ms.
-#include <QGuiApplication>
 #include <benchmark/benchmark.h>
 
 #include "largeresultwindow.h"
@@ -50,13 +49,3 @@ BENCHMARK(BM_SectionWhileTheScrollBarMoves)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace tessiva
-
-// The graph's texts need a font database, so a Qt application off any screen.
-int main(int argc, char** argv) {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

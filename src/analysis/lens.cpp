@@ -41,7 +41,7 @@ bool Lens::MouseUp(double x, double y) {
   } else {
     w_.Controls().SetVisible("MireZoomRef", false);
     const AppState& s = w_.State();
-    const double largest = std::max<double>({1.0, w_.PicAnaTemp.Width(), w_.PicAnaTemp.Height()});
+    const double largest = std::max({1.0, static_cast<double>(w_.PicAnaTemp.Width()), static_cast<double>(w_.PicAnaTemp.Height())});
     w_.View.Zoom = std::min(w_.View.Zoom * Factor, kLargestMapSide / largest);
     w_.LayOutPicAna();
     w_.PicAnaRefresh();
