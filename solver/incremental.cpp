@@ -147,7 +147,7 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   }
   const std::string picAna = stubKeys.Text("PICTURES", "PicRefini").value_or(refName);
   if (!WriteFileAtomically(ResultPathOf(path),
-                           ResultText(MemberHead(*stub, previousHead), picAna, records, s.LpatEven, s.Lpas)))
+                           ResultText(MemberHead(*stub, previousHead), picAna, records, s.LpatEven, s.Lpas, &pool)))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;
 }

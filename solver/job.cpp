@@ -55,13 +55,12 @@ std::variant<std::vector<StartSeed>, std::string> StartSeeds(const AppState& s) 
 
 // The job's field on its pictures, prepared over the worker pool. The
 // pictures are gone once it returns, before the result is written.
-FieldSolution SolvedField(LoadedJob& job, const std::vector<StartSeed>& seeds, int32_t threads) {
+FieldSolution SolvedField(LoadedJob& job, const std::vector<StartSeed>& seeds, WorkerPool& pool) {
   AppState& s = job.s;
   const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});
   const int32_t height = std::min({s.Hima, s.PixRef.UpperY(), s.PixDef.UpperY()});
-  WorkerPool pool(threads);
   const SampledPair pair(s.PixRef, s.PixDef, width, height, InterpolantOf(s), pool);
-  return SolveField(ProblemOf(job, pair.ref, pair.def, threads), seeds, pool);
+  return SolveField(ProblemOf(job, pair.ref, pair.def, pool.Workers()), seeds, pool);
 }
 
 }  // namespace
@@ -89,7 +88,8 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
   const auto& seeds = std::get<std::vector<StartSeed>>(found);
   if (seeds.empty()) return Failure(path + ": no start point with a known displacement");
 
-  const FieldSolution field = SolvedField(*job, seeds, options.threads);
+  WorkerPool pool(options.threads);
+  const FieldSolution field = SolvedField(*job, seeds, pool);
   for (size_t i = 0; i < seeds.size(); ++i)
     if (!field.seedGood[i])
       return Failure(path + ": start point at (" + std::to_string(s.XPat[seeds[i].pattern]) + ", " +
@@ -105,7 +105,7 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
     outcome.bad += p.good ? 0 : 1;
   }
   const std::string picAna = job->pictures.picRefini.value_or(s.PicRefName);
-  if (!WriteFileAtomically(ResultPathOf(path), ResultText(*dataText, picAna, records, s.LpatEven, s.Lpas)))
+  if (!WriteFileAtomically(ResultPathOf(path), ResultText(*dataText, picAna, records, s.LpatEven, s.Lpas, &pool)))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;
 }

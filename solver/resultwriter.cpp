@@ -1,9 +1,16 @@
 #include "resultwriter.h"
 
+#include <algorithm>
+
 #include "state/numtext.h"
+#include "workerpool.h"
 
 namespace tessiva::solver {
 namespace {
+
+// Patterns formatted together: about a third of a megabyte of text, enough
+// to keep a worker busy well beyond the cost of handing the block out.
+constexpr size_t kPatternsPerBlock = 2048;
 
 std::string Fixed(double v) { return Format(v, "0.000000"); }
 
@@ -46,10 +53,26 @@ Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas) {
 }
 
 std::string ResultText(const std::string& dataText, const std::string& picAna, const std::vector<PatternRecord>& patterns,
-                       int32_t lpatEven, int32_t lpas) {
+                       int32_t lpatEven, int32_t lpas, WorkerPool* pool) {
   std::string out = WithPicAna(dataText, picAna);
   out += "[RESULTS]\n";
-  for (const PatternRecord& p : patterns) AppendPattern(out, p, lpatEven, lpas);
+  const size_t blocks = (patterns.size() + kPatternsPerBlock - 1) / kPatternsPerBlock;
+  std::vector<std::string> texts(blocks);
+  const auto formatBlock = [&](int32_t b, int32_t) {
+    const size_t first = static_cast<size_t>(b) * kPatternsPerBlock;
+    const size_t end = std::min(patterns.size(), first + kPatternsPerBlock);
+    texts[b].reserve((end - first) * 160);  // four lines of about 40 characters
+    for (size_t i = first; i < end; ++i) AppendPattern(texts[b], patterns[i], lpatEven, lpas);
+  };
+  if (pool) {
+    pool->ForEach(static_cast<int32_t>(blocks), formatBlock);
+  } else {
+    for (size_t b = 0; b < blocks; ++b) formatBlock(static_cast<int32_t>(b), 0);
+  }
+  size_t size = out.size();
+  for (const std::string& text : texts) size += text.size();
+  out.reserve(size);
+  for (const std::string& text : texts) out += text;
   return out;
 }
 

@@ -30,7 +30,11 @@ struct Bilinear {
 };
 Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas);
 
+class WorkerPool;
+
+// The whole result file. With a pool, the patterns' lines are formatted in
+// blocks on its workers and joined in order: the text is the same either way.
 std::string ResultText(const std::string& dataText, const std::string& picAna, const std::vector<PatternRecord>& patterns,
-                       int32_t lpatEven, int32_t lpas);
+                       int32_t lpatEven, int32_t lpas, WorkerPool* pool = nullptr);
 
 }  // namespace tessiva::solver
