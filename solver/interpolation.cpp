@@ -78,8 +78,8 @@ void PrefilterLines(double* c, int32_t n, size_t stride, int32_t lanes) {
 
 // The spline coefficients of the levels: rows, then bands of columns, each
 // spread over the pool.
-std::vector<double> Prefiltered(const GreyArray& pixels, int32_t width, int32_t height, WorkerPool* pool) {
-  std::vector<double> c(static_cast<size_t>(width) * height);
+PictureArray Prefiltered(const GreyArray& pixels, int32_t width, int32_t height, WorkerPool* pool) {
+  PictureArray c(static_cast<size_t>(width) * height);
   const auto row = [&](int32_t y) { return c.data() + static_cast<size_t>(y) * width; };
   ForBands(pool, height, kBand, [&](int32_t first, int32_t end) {
     for (int32_t y = first; y < end; ++y) {
@@ -235,13 +235,13 @@ SampledPicture::SampledPicture(const GreyArray& pixels, int32_t width, int32_t h
         for (int32_t x = 0; x < width; ++x) levels_[Index(x, y)] = pixels(x, y);
     });
   }
-  std::vector<double> coeffs;
+  PictureArray coeffs;
   if (spline) coeffs = Prefiltered(pixels, width, height, options.pool);
   if (reference) ComputePixelGradients(coeffs, options.pool);
   if (spline && deformed) coeffs_ = std::move(coeffs);
 }
 
-void SampledPicture::ComputePixelGradients(const std::vector<double>& coeffs, WorkerPool* pool) {
+void SampledPicture::ComputePixelGradients(const PictureArray& coeffs, WorkerPool* pool) {
   gradX_.resize(levels_.size());
   gradY_.resize(levels_.size());
   // The spline's gradient where Inside admits the pixel: at t = 0 the knot

@@ -5,6 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
+#include <utility>
 #include <vector>
 
 #include "state/appstate.h"
@@ -12,6 +15,30 @@
 namespace tessiva::solver {
 
 class WorkerPool;
+
+// An allocator whose new elements are left unset rather than zeroed. The
+// picture arrays are written whole by the workers that prepare them, so
+// their pages are first touched, and cleared by the system, on those
+// workers in parallel instead of by one thread beforehand.
+template <class T>
+struct UnsetAllocator : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = UnsetAllocator<U>;
+  };
+  UnsetAllocator() = default;
+  template <class U>
+  UnsetAllocator(const UnsetAllocator<U>&) noexcept {}
+  template <class U>
+  void construct(U* p) noexcept {
+    ::new (static_cast<void*>(p)) U;
+  }
+  template <class U, class... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+};
+using PictureArray = std::vector<double, UnsetAllocator<double>>;
 
 enum class Interpolant { Bilinear = 0, CubicBSpline = 1 };
 
@@ -77,15 +104,15 @@ class SampledPicture {
   size_t Index(int32_t x, int32_t y) const { return static_cast<size_t>(y) * static_cast<size_t>(width_) + x; }
   Sample Bilinear(double x, double y) const;
   Sample Spline(double x, double y) const;
-  void ComputePixelGradients(const std::vector<double>& coeffs, WorkerPool* pool);
+  void ComputePixelGradients(const PictureArray& coeffs, WorkerPool* pool);
 
   int32_t width_;
   int32_t height_;
   Interpolant kind_;
   Sampler sampler_;
-  std::vector<double> levels_;  // empty for a spline picture prepared for Deformed
-  std::vector<double> coeffs_;  // B-spline coefficients; empty for bilinear and for Reference
-  std::vector<double> gradX_, gradY_;  // empty for Deformed
+  PictureArray levels_;  // empty for a spline picture prepared for Deformed
+  PictureArray coeffs_;  // B-spline coefficients; empty for bilinear and for Reference
+  PictureArray gradX_, gradY_;  // empty for Deformed
 };
 
 // The two pictures of a job, each prepared for its side over the pool. Each

@@ -51,12 +51,10 @@ std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, c
     return name + ": " + problem;
   ApplyParameters(content->parameters, s);
   ClampParameters(s);
-  if (!AllocPat(s)) return name + ": " + TooManyPatternsMessage(s);
   // The analysis mesh, sized for every pattern the picture could hold, is
   // never read here: about 600 bytes a pattern, 600 MB on a 4096 x 4096
-  // picture at a 4-pixel step.
-  s.Mailles = std::vector<MeshCell>();
-  s.Noeuds = std::vector<MeshNode>();
+  // picture at a 4-pixel step, and clearing it would hold up the start.
+  if (!AllocPatWithoutMesh(s)) return name + ": " + TooManyPatternsMessage(s);
   StoreAreas(content->areas, s);
   if (LayPatterns(s, job.grid) == 0) return name + ": no pattern lies inside its areas";
   ApplyStartPoints(content->areas.startPoints, s);

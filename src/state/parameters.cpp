@@ -35,7 +35,7 @@ int64_t PatternCapacity(int32_t lima, int32_t hima, int32_t lpas) {
   return static_cast<int64_t>(Round(static_cast<double>(hima) / lpas * (static_cast<double>(lima) / lpas)));
 }
 
-bool AllocPat(AppState& s) {
+bool AllocPatWithoutMesh(AppState& s) {
   const int64_t capacity = PatternCapacity(s.Lima, s.Hima, s.Lpas);
   if (capacity > kMaxPatterns) return false;
   s.NbPatMax = static_cast<int32_t>(capacity);
@@ -50,7 +50,12 @@ bool AllocPat(AppState& s) {
   for (std::vector<double>* a : {&s.D1Pat, &s.D2Pat, &s.AuPat, &s.BuPat, &s.CuPat, &s.DuPat, &s.AvPat, &s.BvPat,
                                  &s.CvPat, &s.DvPat, &s.Res3Pat, &s.NormPat})
     a->assign(n, 0.0);
-  s.Mailles.assign(n, MeshCell{});
+  return true;
+}
+
+bool AllocPat(AppState& s) {
+  if (!AllocPatWithoutMesh(s)) return false;
+  s.Mailles.assign(static_cast<size_t>(s.NbPatMax) + 1, MeshCell{});
   s.Noeuds.assign(static_cast<size_t>(s.NbNoeudsMax) + 1, MeshNode{});
   return true;
 }

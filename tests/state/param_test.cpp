@@ -129,14 +129,20 @@ TEST(AllocPat, SizesThePatternStoreFromPictureAndStep) {
       {100, 100, 6, 278, 349},     // 16.67^2 = 277.8 rounds up
       {0, 0, 8, 0, 4},
   };
-  for (const Case& c : cases) {
-    AppState s;
-    std::tie(s.Lima, s.Hima, s.Lpas) = std::tie(c.lima, c.hima, c.lpas);
-    AllocPat(s);
-    EXPECT_EQ(std::tuple(s.NbPatMax, s.NbNoeudsMax, s.XPat.size()),
-              std::tuple(c.nbPatMax, c.nbNoeudsMax, static_cast<size_t>(c.nbPatMax) + 1))
-        << c.lima << "x" << c.hima;
-  }
+  for (const Case& c : cases)
+    for (const bool mesh : {true, false}) {
+      AppState s;
+      std::tie(s.Lima, s.Hima, s.Lpas) = std::tie(c.lima, c.hima, c.lpas);
+      mesh ? AllocPat(s) : AllocPatWithoutMesh(s);
+      const size_t patterns = static_cast<size_t>(c.nbPatMax) + 1;
+      EXPECT_EQ(std::tuple(s.NbPatMax, s.NbNoeudsMax, s.XPat.size(), s.DvPat.size()),
+                std::tuple(c.nbPatMax, c.nbNoeudsMax, patterns, patterns))
+          << c.lima << "x" << c.hima;
+      // Only the full store makes the mesh; the solver's leaves it unmade.
+      EXPECT_EQ(std::pair(s.Mailles.size(), s.Noeuds.size()),
+                mesh ? std::pair(patterns, static_cast<size_t>(c.nbNoeudsMax) + 1) : std::pair(size_t{0}, size_t{0}))
+          << c.lima << "x" << c.hima << (mesh ? " with" : " without") << " the mesh";
+    }
 }
 
 }  // namespace
