@@ -103,15 +103,16 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
     return Failure(path + ": its previous result " + previousPath + " is missing or has no [RESULTS]");
 
   // Areas, grid and parameters of the previous result; the pictures of this member.
+  WorkerPool pool(options.threads);
   auto job = std::make_unique<LoadedJob>();
-  if (auto error = LoadJob(*job, dataDir, resultFrom)) return Failure(path + ": previous result " + *error);
+  if (auto error = LoadJob(*job, dataDir, resultFrom, &pool)) return Failure(path + ": previous result " + *error);
   const AppState& s = job->s;
   const KeyFile stubKeys = KeyFile::Parse(*stub);
   const std::string refName = stubKeys.Text("PICTURES", "PicRef").value_or("");
   const std::string defName = stubKeys.Text("PICTURES", "PicDef").value_or("");
   if (refName.empty() || defName.empty()) return Failure(path + ": [PICTURES] names no reference or deformed picture");
   AppState pair;  // this member's pictures, apart from the grid of the previous result
-  if (std::string problem = ReadPicturePair(JoinPath(dataDir, refName), JoinPath(dataDir, defName), pair);
+  if (std::string problem = ReadPicturePair(JoinPath(dataDir, refName), JoinPath(dataDir, defName), pair, &pool);
       !problem.empty())
     return Failure(path + ": " + problem);
   const std::vector<CarriedPattern> carried = CarriedField(block, s.LpatEven);
@@ -120,7 +121,6 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
 
   const int32_t width = std::min(pair.PixRef.UpperX(), pair.PixDef.UpperX());
   const int32_t height = std::min(pair.PixRef.UpperY(), pair.PixDef.UpperY());
-  WorkerPool pool(options.threads);
   const SampledPair pictures(pair.PixRef, pair.PixDef, width, height, InterpolantOf(s), pool);
   FieldProblem problem = ProblemOf(*job, pictures.ref, pictures.def, options.threads);
   problem.largeStrain = false;  // an increment is small: each pattern starts from none

@@ -80,15 +80,15 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
   if (ResultWouldOverwrite(path)) return Failure(path + ": its result would be written over the data file itself");
   if (const auto resultFrom = KeyFile::Parse(*dataText).Text("INCREMENTAL", "ResultFrom"))
     return RunIncrementalMember(dataDir, name, *resultFrom, options);
+  WorkerPool pool(options.threads);
   auto job = std::make_unique<LoadedJob>();
-  if (auto error = LoadJob(*job, dataDir, name)) return Failure(*error);
+  if (auto error = LoadJob(*job, dataDir, name, &pool)) return Failure(*error);
   const AppState& s = job->s;
   const auto found = StartSeeds(s);
   if (const auto* problem = std::get_if<std::string>(&found)) return Failure(path + ": " + *problem);
   const auto& seeds = std::get<std::vector<StartSeed>>(found);
   if (seeds.empty()) return Failure(path + ": no start point with a known displacement");
 
-  WorkerPool pool(options.threads);
   const FieldSolution field = SolvedField(*job, seeds, pool);
   for (size_t i = 0; i < seeds.size(); ++i)
     if (!field.seedGood[i])

@@ -7,6 +7,7 @@
 #include "state/files.h"
 #include "state/numtext.h"
 #include "state/parameters.h"
+#include "workerpool.h"
 
 namespace tessiva::solver {
 namespace {
@@ -19,11 +20,20 @@ void StoreAreas(const AreaContent& areas, AppState& s) {
 
 }  // namespace
 
-std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s) {
+std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s, WorkerPool* pool) {
   // Correlated at the file's full depth, so that 12- and 16-bit cameras get their accuracy.
-  std::string problem = ReadWholePicture(refPath, s.PixRef, &s.PicRefPalette, PictureDepth::kFull);
-  if (problem.empty()) problem = ReadWholePicture(defPath, s.PixDef, &s.PicDefPalette, PictureDepth::kFull);
-  if (!problem.empty()) return problem;
+  std::string problems[2];
+  const auto read = [&](int32_t i, int32_t) {
+    problems[i] = i == 0 ? ReadWholePicture(refPath, s.PixRef, &s.PicRefPalette, PictureDepth::kFull)
+                         : ReadWholePicture(defPath, s.PixDef, &s.PicDefPalette, PictureDepth::kFull);
+  };
+  if (pool) {
+    pool->ForEach(2, read);
+  } else {
+    for (int32_t i : {0, 1}) read(i, 0);
+  }
+  if (!problems[0].empty()) return problems[0];
+  if (!problems[1].empty()) return problems[1];
   if (s.PixDef.UpperX() != s.PixRef.UpperX() || s.PixDef.UpperY() != s.PixRef.UpperY())
     return "picture " + PrintableName(defPath) + " is " + std::to_string(s.PixDef.UpperX()) + " x " +
            std::to_string(s.PixDef.UpperY()) + " pixels, but the reference picture " + PrintableName(refPath) +
@@ -34,7 +44,8 @@ std::string ReadPicturePair(const std::string& refPath, const std::string& defPa
   return {};
 }
 
-std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name) {
+std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name,
+                                   WorkerPool* pool) {
   AppState& s = job.s;
   s.LastDir = s.StartDir = dataDir;
   s.DataFile = JoinPath(dataDir, name);
@@ -47,7 +58,7 @@ std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, c
   s.PicDefName = content->pictures.picDef;
   s.PicRefPath = JoinPath(dataDir, s.PicRefName);
   s.PicDefPath = JoinPath(dataDir, s.PicDefName);
-  if (std::string problem = ReadPicturePair(s.PicRefPath, s.PicDefPath, s); !problem.empty())
+  if (std::string problem = ReadPicturePair(s.PicRefPath, s.PicDefPath, s, pool); !problem.empty())
     return name + ": " + problem;
   ApplyParameters(content->parameters, s);
   ClampParameters(s);

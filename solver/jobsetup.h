@@ -22,11 +22,14 @@ struct LoadedJob {
 // Reads both pictures of a job whole, at their full depth, into PixRef and
 // PixDef, sizing the grid by them; what is wrong with the first that can't
 // be read, or with a deformed picture of another size, naming it, or the
-// empty string.
-std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s);
+// empty string. With a pool, the two are read side by side.
+std::string ReadPicturePair(const std::string& refPath, const std::string& defPath, AppState& s,
+                            WorkerPool* pool = nullptr);
 
-// Reads data file (or result file) `name` of `dataDir`; why it can't be used, or nothing.
-std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name);
+// Reads data file (or result file) `name` of `dataDir`, its pictures over
+// the pool when there is one; why it can't be used, or nothing.
+std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name,
+                                   WorkerPool* pool = nullptr);
 
 // The grid's patterns, their neighbours and the solver settings of the file.
 FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, int32_t threads);
