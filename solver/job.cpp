@@ -97,6 +97,7 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
 
   JobOutcome outcome{true, "", s.NbPat, 0};
   std::vector<PatternRecord> records;
+  records.reserve(static_cast<size_t>(s.NbPat));
   for (int32_t k = 1; k <= s.NbPat; ++k) {
     const PatternSolution& p = field.patterns[k];
     const double quality = s.Correlation == 0 ? 2.0 * (1.0 - p.zncc) : p.zncc;
