@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <type_traits>
 
+#include "analysis/picking.h"
+#include "analysis/toolbar1.h"
 #include "formats/sections.h"
 #include "formats/seqfile.h"
 #include "results/mesh.h"
@@ -322,9 +324,9 @@ class ResultReader {
 
 // The analysis window's tools that walk a sequence.
 void EnableSequenceTools(ControlRegistry& c, bool enabled) {
-  for (const char* name : {"Toolbar1.Button14", "Toolbar1.Button15", "Toolbar1.Button17", "Toolbar1.Button18",
-                           "Toolbar1.Button22", "OptionMinMax(1)"})
-    c.SetEnabled(name, enabled);
+  for (int button : {kInitialButton, kPreviousFileButton, kNextFileButton, kFinalButton, kFilm2Button})
+    c.SetEnabled(ToolbarButton(button), enabled);
+  c.SetEnabled("OptionMinMax(1)", enabled);
 }
 
 }  // namespace
