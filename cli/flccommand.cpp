@@ -21,11 +21,7 @@ constexpr const char* kNumberForm = "0.000";
 std::string Number(double value) { return Format(value, kNumberForm); }
 
 // One row of a table, tab or comma separated.
-std::string Row(const std::vector<std::string>& fields, bool csv) {
-  std::string row;
-  for (size_t i = 0; i < fields.size(); ++i) row += (i ? (csv ? "," : "\t") : "") + (csv ? CsvField(fields[i]) : fields[i]);
-  return row + '\n';
-}
+std::string Row(const std::vector<std::string>& fields, bool csv) { return JoinedFields(fields, csv) + '\n'; }
 
 struct MemberLimits {
   std::string member;

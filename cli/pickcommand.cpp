@@ -54,10 +54,9 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
-std::string CsvRow(const std::vector<std::string>& fields) {
-  std::string row;
-  for (size_t i = 0; i < fields.size(); ++i) row += (i ? "," : "") + CsvField(Trim(fields[i]));
-  return row + '\n';
+std::string CsvRow(std::vector<std::string> fields) {
+  for (std::string& field : fields) field = Trim(field);
+  return JoinedFields(fields, true) + '\n';
 }
 
 // The unit a column of the collector's tables is in, by the column's head.
@@ -313,6 +312,12 @@ std::string CsvField(const std::string& text) {
   std::string quoted = "\"";
   for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
   return quoted + '"';
+}
+
+std::string JoinedFields(const std::vector<std::string>& fields, bool csv) {
+  std::string row;
+  for (size_t i = 0; i < fields.size(); ++i) row += (i ? (csv ? "," : "\t") : "") + (csv ? CsvField(fields[i]) : fields[i]);
+  return row;
 }
 
 namespace {

@@ -43,4 +43,8 @@ int RunPick(const PickRequest& request, std::ostream& out, std::ostream& err);
 // quote or a line end.
 std::string CsvField(const std::string& text);
 
+// A table's row without its line end: the fields joined by tabs, or for CSV
+// by commas, each made a CsvField.
+std::string JoinedFields(const std::vector<std::string>& fields, bool csv);
+
 }  // namespace tessiva::cli

@@ -114,10 +114,7 @@ class SifRun {
   }
 
   std::string Joined(const std::vector<std::string>& fields) const {
-    std::string line;
-    for (size_t f = 0; f < fields.size(); ++f)
-      line += (f ? (request_.csv ? "," : "\t") : "") + (request_.csv ? CsvField(fields[f]) : fields[f]);
-    return line + (request_.csv ? "\n" : "\r\n");
+    return JoinedFields(fields, request_.csv) + (request_.csv ? "\n" : "\r\n");
   }
 
   const SifRequest& request_;
