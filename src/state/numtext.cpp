@@ -294,6 +294,48 @@ std::string Format(double value, std::string_view pattern) {
   return text;
 }
 
+void AppendFixed(std::string& out, double value, int decimals) {
+  // The digits Format works on: 15 significant ones, value = 0.digits x 10^point.
+  char digits[16];
+  int count = 0, point = 0;
+  if (const double a = std::isfinite(value) ? std::fabs(value) : 0.0; a > 0.0) {
+    char text[32];  // "d.dddddddddddddde-ddd"
+    const char* end = std::to_chars(text, text + sizeof text, a, std::chars_format::scientific, 14).ptr;
+    digits[0] = text[0];
+    std::copy(text + 2, text + 16, digits + 1);
+    count = 15;
+    const char* exponent = text + 17 + (text[17] == '+');
+    std::from_chars(exponent, end, point);
+    ++point;
+  }
+  // Rounded half away from zero at the last place shown.
+  const int keep = point + decimals;
+  if (keep < 0) {
+    count = 0;
+  } else if (keep < count) {
+    const bool up = digits[keep] >= '5';
+    count = keep;
+    int i = count - 1;
+    if (up) {
+      while (i >= 0 && digits[i] == '9') digits[i--] = '0';
+      if (i >= 0) {
+        ++digits[i];
+      } else {  // all nines: one more digit before them
+        std::copy_backward(digits, digits + count, digits + count + 1);
+        digits[0] = '1';
+        ++count;
+        ++point;
+      }
+    }
+  }
+  const auto digitAt = [&](int index) { return index >= 0 && index < count ? digits[index] : '0'; };
+  if (value < 0 && std::any_of(digits, digits + count, [](char c) { return c != '0'; })) out += '-';
+  if (point <= 0) out += '0';
+  for (int i = 0; i < point; ++i) out += digitAt(i);
+  if (decimals > 0) out += '.';
+  for (int i = 0; i < decimals; ++i) out += digitAt(point + i);
+}
+
 int32_t TodayNumber() {
   const std::time_t now = std::time(nullptr);
   std::tm local{};

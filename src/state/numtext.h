@@ -45,6 +45,11 @@ std::string GeneralNumber(double x);
 // '0' before the point of an exponent pattern gives the normalised form 0.ddd.
 std::string Format(double value, std::string_view pattern);
 
+// Appends the text Format gives with the pattern "0.000..." of `decimals`
+// zeros ("0" for none), without parsing a pattern or building strings: the
+// result files hold hundreds of thousands of such numbers.
+void AppendFixed(std::string& out, double value, int decimals);
+
 // Today's date as the decimal number yyyymmdd, and as its eight-digit text.
 int32_t TodayNumber();
 std::string TodayText();

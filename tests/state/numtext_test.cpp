@@ -4,7 +4,9 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <tuple>
+#include <vector>
 
 namespace tessiva {
 namespace {
@@ -105,6 +107,28 @@ TEST(Format, FillsDigitPlacesLiteralsAndExponents) {
       {0.05, "0.00E+00", "0.50E-01"},
   };
   for (const Case& c : cases) EXPECT_EQ(Format(c.value, c.pattern), c.text) << c.value << " " << c.pattern;
+}
+
+TEST(AppendFixed, GivesFormatsTextForEveryMagnitudeAndRoundingEdge) {
+  const double edges[] = {0.0, -0.0, 0.0000005, -0.0000005, -0.0000004999, 0.9999995, -9.9999995, 999999.99999949,
+                          2.5, 0.15, 1e-20, -1e-300, 1e20, 123456789012345678.0, 1e308, 5e-7, 4.9999999999999e-7,
+                          std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()};
+  std::vector<double> values(std::begin(edges), std::end(edges));
+  std::mt19937_64 random(17);
+  for (int i = 0; i < 3000; ++i) {
+    const double magnitude = std::pow(10.0, std::uniform_real_distribution<double>(-9.0, 9.0)(random));
+    values.push_back((i % 2 ? -1 : 1) * magnitude);
+    // Halfway between two places shown, where the rounding rule decides.
+    values.push_back((std::floor(magnitude * 1e6) + 0.5) / 1e6);
+  }
+  for (int decimals = 0; decimals <= 8; ++decimals) {
+    const std::string pattern = decimals == 0 ? "0" : "0." + std::string(static_cast<size_t>(decimals), '0');
+    for (double v : values) {
+      std::string text = "x";
+      AppendFixed(text, v, decimals);
+      ASSERT_EQ(text, "x" + Format(v, pattern)) << v << " " << pattern;
+    }
+  }
 }
 
 TEST(FormatFortran, EditDescriptorsGiveFixedWidthFields) {
