@@ -62,10 +62,11 @@ std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, c
     return name + ": " + problem;
   ApplyParameters(content->parameters, s);
   ClampParameters(s);
-  // The analysis mesh, sized for every pattern the picture could hold, is
-  // never read here: about 600 bytes a pattern, 600 MB on a 4096 x 4096
-  // picture at a 4-pixel step, and clearing it would hold up the start.
-  if (!AllocPatWithoutMesh(s)) return name + ": " + TooManyPatternsMessage(s);
+  // The pattern store and the analysis mesh, sized for every pattern the
+  // picture could hold, are never read here: about 700 bytes a pattern, 700 MB
+  // on a 4096 x 4096 picture at a 4-pixel step, and clearing them would hold
+  // up the start. Laying the grid sizes the pattern positions it fills.
+  if (!SetPatternCapacity(s)) return name + ": " + TooManyPatternsMessage(s);
   StoreAreas(content->areas, s);
   if (LayPatterns(s, job.grid) == 0) return name + ": no pattern lies inside its areas";
   ApplyStartPoints(content->areas.startPoints, s);

@@ -35,13 +35,18 @@ int64_t PatternCapacity(int32_t lima, int32_t hima, int32_t lpas) {
   return static_cast<int64_t>(Round(static_cast<double>(hima) / lpas * (static_cast<double>(lima) / lpas)));
 }
 
-bool AllocPatWithoutMesh(AppState& s) {
+bool SetPatternCapacity(AppState& s) {
   const int64_t capacity = PatternCapacity(s.Lima, s.Hima, s.Lpas);
   if (capacity > kMaxPatterns) return false;
   s.NbPatMax = static_cast<int32_t>(capacity);
-  const int32_t half = RoundToInt32(s.NbPatMax / 2.0);
   const double side = std::sqrt(static_cast<double>(s.NbPatMax)) + 2.0;
   s.NbNoeudsMax = RoundToInt32(side * side);
+  return true;
+}
+
+bool AllocPat(AppState& s) {
+  if (!SetPatternCapacity(s)) return false;
+  const int32_t half = RoundToInt32(s.NbPatMax / 2.0);
   const size_t n = static_cast<size_t>(s.NbPatMax) + 1;
   s.XPat.assign(n, 0);
   s.YPat.assign(n, 0);
@@ -50,11 +55,6 @@ bool AllocPatWithoutMesh(AppState& s) {
   for (std::vector<double>* a : {&s.D1Pat, &s.D2Pat, &s.AuPat, &s.BuPat, &s.CuPat, &s.DuPat, &s.AvPat, &s.BvPat,
                                  &s.CvPat, &s.DvPat, &s.Res3Pat, &s.NormPat})
     a->assign(n, 0.0);
-  return true;
-}
-
-bool AllocPat(AppState& s) {
-  if (!AllocPatWithoutMesh(s)) return false;
   s.Mailles.assign(static_cast<size_t>(s.NbPatMax) + 1, MeshCell{});
   s.Noeuds.assign(static_cast<size_t>(s.NbNoeudsMax) + 1, MeshNode{});
   return true;

@@ -32,9 +32,11 @@ int64_t PatternCapacity(int32_t lima, int32_t hima, int32_t lpas);
 // picture size; their contents are lost. Refuses, changing nothing, a size
 // beyond kMaxPatterns.
 bool AllocPat(AppState& s);
-// The same without the cell and node arrays (which are left as they were),
-// for a caller that lays and solves patterns but never builds the mesh.
-bool AllocPatWithoutMesh(AppState& s);
+// Sets NbPatMax and NbNoeudsMax for the grid in force, allocating nothing, or
+// refuses, changing nothing, a size beyond kMaxPatterns. Enough for a caller
+// that lays and solves patterns, since laying sizes XPat and YPat, but never
+// builds the mesh nor keeps results in the pattern arrays.
+bool SetPatternCapacity(AppState& s);
 // What AllocPat says when it refuses the grid in force.
 std::string TooManyPatternsMessage(const AppState& s);
 // The two picture arrays for the picture size, and the same (a picture or a
