@@ -146,8 +146,11 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
     outcome.bad += good ? 0 : 1;
   }
   const std::string picAna = stubKeys.Text("PICTURES", "PicRefini").value_or(refName);
-  if (!WriteFileAtomically(ResultPathOf(path),
-                           ResultText(MemberHead(*stub, previousHead), picAna, records, s.LpatEven, s.Lpas, &pool)))
+  const std::string head = MemberHead(*stub, previousHead);
+  const auto writeResult = [&](std::ostream& out) {
+    WriteResult(out, head, picAna, records, s.LpatEven, s.Lpas, &pool);
+  };
+  if (!WriteFileAtomically(ResultPathOf(path), writeResult))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;
 }

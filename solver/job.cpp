@@ -106,7 +106,10 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
     outcome.bad += p.good ? 0 : 1;
   }
   const std::string picAna = job->pictures.picRefini.value_or(s.PicRefName);
-  if (!WriteFileAtomically(ResultPathOf(path), ResultText(*dataText, picAna, records, s.LpatEven, s.Lpas, &pool)))
+  const auto writeResult = [&](std::ostream& out) {
+    WriteResult(out, *dataText, picAna, records, s.LpatEven, s.Lpas, &pool);
+  };
+  if (!WriteFileAtomically(ResultPathOf(path), writeResult))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;
 }

@@ -1,6 +1,10 @@
 #include "resultwriter.h"
 
 #include <algorithm>
+#include <charconv>
+#include <initializer_list>
+#include <mutex>
+#include <ostream>
 
 #include "state/numtext.h"
 #include "workerpool.h"
@@ -8,20 +12,71 @@
 namespace tessiva::solver {
 namespace {
 
-// Patterns formatted together: about a third of a megabyte of text, enough
-// to keep a worker busy well beyond the cost of handing the block out.
-constexpr size_t kPatternsPerBlock = 2048;
+// Patterns formatted together: about 80 kB of text, enough to keep a worker
+// busy well beyond the cost of handing the block out and writing it, small
+// enough that the writing keeps pace with the formatting.
+constexpr size_t kPatternsPerBlock = 512;
 
-std::string Fixed(double v) { return Format(v, "0.000000"); }
+// Blocks formatted on several threads go out in their order, each as soon as
+// those before it have: whichever thread finds the next block ready writes
+// it, and the others go on formatting meanwhile.
+class InOrderOutput {
+ public:
+  InOrderOutput(std::ostream& out, size_t blocks) : out_(out), texts_(blocks), ready_(blocks, false) {}
+
+  void Done(size_t block, std::string text) {
+    std::unique_lock lock(mutex_);
+    texts_[block] = std::move(text);
+    ready_[block] = true;
+    if (writing_) return;  // the thread writing sees it before it stops
+    writing_ = true;
+    while (next_ < texts_.size() && ready_[next_]) {
+      const std::string ready = std::move(texts_[next_++]);
+      lock.unlock();
+      out_.write(ready.data(), static_cast<std::streamsize>(ready.size()));
+      lock.lock();
+    }
+    writing_ = false;
+  }
+
+ private:
+  std::ostream& out_;
+  std::mutex mutex_;
+  std::vector<std::string> texts_;
+  std::vector<bool> ready_;
+  size_t next_ = 0;
+  bool writing_ = false;
+};
+
+void AppendInt(std::string& out, int32_t v) {
+  char text[12];
+  out.append(text, std::to_chars(text, text + sizeof text, v).ptr);
+}
+
+// Each number after a blank, with six decimals, then the line end.
+void AppendFixedLine(std::string& out, std::initializer_list<double> values) {
+  for (double v : values) {
+    out += ' ';
+    AppendFixed(out, v, 6);
+  }
+  out += '\n';
+}
 
 void AppendPattern(std::string& out, const PatternRecord& p, int32_t lpatEven, int32_t lpas) {
   const Bilinear b = BilinearOf(p.warp, lpatEven, lpas);
   // The first line is cut at single blanks: every field is one token.
-  out += (p.good ? "-1 " : "0 ") + std::to_string(p.x) + " " + std::to_string(p.y) + " " + Fixed(p.warp.u) + " " +
-         Fixed(p.warp.v) + "\n";
-  out += " " + Fixed(b.u[0]) + " " + Fixed(b.u[1]) + " " + Fixed(b.u[2]) + " " + Fixed(b.u[3]) + "\n";
-  out += " " + Fixed(b.v[0]) + " " + Fixed(b.v[1]) + " " + Fixed(b.v[2]) + " " + Fixed(b.v[3]) + "\n";
-  out += " " + std::to_string(p.iterations) + " " + std::to_string(p.side) + " " + Fixed(p.quality) + "\n";
+  out += p.good ? "-1 " : "0 ";
+  AppendInt(out, p.x);
+  out += ' ';
+  AppendInt(out, p.y);
+  AppendFixedLine(out, {p.warp.u, p.warp.v});
+  AppendFixedLine(out, {b.u[0], b.u[1], b.u[2], b.u[3]});
+  AppendFixedLine(out, {b.v[0], b.v[1], b.v[2], b.v[3]});
+  out += ' ';
+  AppendInt(out, p.iterations);
+  out += ' ';
+  AppendInt(out, p.side);
+  AppendFixedLine(out, {p.quality});
 }
 
 // The data file's text with the PicAna key as the first key of [PICTURES].
@@ -52,28 +107,24 @@ Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas) {
   return {{w.ux * l, w.uy * l, 0.0, w.u - w.ux * h - w.uy * h}, {w.vx * l, w.vy * l, 0.0, w.v - w.vx * h - w.vy * h}};
 }
 
-std::string ResultText(const std::string& dataText, const std::string& picAna, const std::vector<PatternRecord>& patterns,
-                       int32_t lpatEven, int32_t lpas, WorkerPool* pool) {
-  std::string out = WithPicAna(dataText, picAna);
-  out += "[RESULTS]\n";
+void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna,
+                 const std::vector<PatternRecord>& patterns, int32_t lpatEven, int32_t lpas, WorkerPool* pool) {
+  out << WithPicAna(dataText, picAna) << "[RESULTS]\n";
   const size_t blocks = (patterns.size() + kPatternsPerBlock - 1) / kPatternsPerBlock;
-  std::vector<std::string> texts(blocks);
+  InOrderOutput output(out, blocks);
   const auto formatBlock = [&](int32_t b, int32_t) {
     const size_t first = static_cast<size_t>(b) * kPatternsPerBlock;
     const size_t end = std::min(patterns.size(), first + kPatternsPerBlock);
-    texts[b].reserve((end - first) * 160);  // four lines of about 40 characters
-    for (size_t i = first; i < end; ++i) AppendPattern(texts[b], patterns[i], lpatEven, lpas);
+    std::string text;
+    text.reserve((end - first) * 160);  // four lines of about 40 characters
+    for (size_t i = first; i < end; ++i) AppendPattern(text, patterns[i], lpatEven, lpas);
+    output.Done(static_cast<size_t>(b), std::move(text));
   };
   if (pool) {
     pool->ForEach(static_cast<int32_t>(blocks), formatBlock);
   } else {
     for (size_t b = 0; b < blocks; ++b) formatBlock(static_cast<int32_t>(b), 0);
   }
-  size_t size = out.size();
-  for (const std::string& text : texts) size += text.size();
-  out.reserve(size);
-  for (const std::string& text : texts) out += text;
-  return out;
 }
 
 }  // namespace tessiva::solver

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -32,9 +33,10 @@ Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas);
 
 class WorkerPool;
 
-// The whole result file. With a pool, the patterns' lines are formatted in
-// blocks on its workers and joined in order: the text is the same either way.
-std::string ResultText(const std::string& dataText, const std::string& picAna, const std::vector<PatternRecord>& patterns,
-                       int32_t lpatEven, int32_t lpas, WorkerPool* pool = nullptr);
+// Writes the whole result file to `out`. With a pool, the patterns' lines are
+// formatted in blocks on its workers and written in order while later blocks
+// are formatted: the text is the same either way.
+void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna,
+                 const std::vector<PatternRecord>& patterns, int32_t lpatEven, int32_t lpas, WorkerPool* pool = nullptr);
 
 }  // namespace tessiva::solver

@@ -59,6 +59,12 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
 }
 
 bool WriteFileAtomically(const std::string& path, std::string_view content) {
+  return WriteFileAtomically(path, [content](std::ostream& out) {
+    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+  });
+}
+
+bool WriteFileAtomically(const std::string& path, const std::function<void(std::ostream&)>& write) {
   const fs::path target = fs::u8path(path);
   fs::path temp = target;
   temp += ".tmp~" + std::to_string(::getpid());
@@ -67,16 +73,19 @@ bool WriteFileAtomically(const std::string& path, std::string_view content) {
     fs::remove(temp, ignored);
     return false;
   };
-  {
+  try {
     std::ofstream out(temp, std::ios::binary | std::ios::trunc);
     if (!out) return false;
-    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    write(out);
     // A write the disk refused (full, quota) shows only when the buffer goes
     // out: flush and close before judging, or a short file would replace a good one.
     out.flush();
     if (!out) return giveUp();
     out.close();
     if (out.fail()) return giveUp();
+  } catch (...) {
+    giveUp();
+    throw;
   }
   std::error_code ec;
   fs::rename(temp, target, ec);

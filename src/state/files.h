@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +28,9 @@ std::optional<std::string> ReadWholeFile(const std::string& path);
 // Writes beside the target, then renames over it once every byte has gone out
 // without a fault: a failure, a full disk included, never leaves half a file.
 bool WriteFileAtomically(const std::string& path, std::string_view content);
+// The same for content made as it is written: `write` puts it on the stream,
+// whose faults decide. Whatever `write` throws is passed on, the target untouched.
+bool WriteFileAtomically(const std::string& path, const std::function<void(std::ostream&)>& write);
 
 // A name a file can be given and found by: not empty, and free of control
 // characters (bytes 0-31 and 127), which the system cuts names at or misreads.

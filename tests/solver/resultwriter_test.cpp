@@ -48,15 +48,20 @@ void ExpectPatternsInOrder(const std::string& text, int32_t count) {
   EXPECT_EQ(lines, 4 * count);
 }
 
-TEST(ResultText, BlocksOnAPoolJoinInPatternOrderAsOnOneThread) {
-  const std::string data = "[PICTURES]\n  PicRef=a.bmp\n";
+std::string ResultText(const std::vector<PatternRecord>& records, WorkerPool* pool) {
+  std::ostringstream out;
+  WriteResult(out, "[PICTURES]\n  PicRef=a.bmp\n", "a.bmp", records, 20, 4, pool);
+  return out.str();
+}
+
+TEST(WriteResult, BlocksOnAPoolGoOutInPatternOrderAsOnOneThread) {
   WorkerPool pool(3);
-  // No pattern, one, a block's worth, one over, and several blocks.
-  for (int32_t count : {0, 1, 2048, 2049, 7000}) {
+  // No pattern, one, a block's worth, one over, and many blocks.
+  for (int32_t count : {0, 1, 512, 513, 7000}) {
     SCOPED_TRACE(std::to_string(count) + " patterns");
     const std::vector<PatternRecord> records = Records(count);
-    const std::string alone = ResultText(data, "a.bmp", records, 20, 4);
-    ASSERT_EQ(ResultText(data, "a.bmp", records, 20, 4, &pool), alone);
+    const std::string alone = ResultText(records, nullptr);
+    ASSERT_EQ(ResultText(records, &pool), alone);
     EXPECT_EQ(alone.find("[PICTURES]\n  PicAna=a.bmp\n  PicRef=a.bmp\n[RESULTS]\n"), 0u);
     ExpectPatternsInOrder(alone, count);
   }

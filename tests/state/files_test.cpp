@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <ostream>
+#include <stdexcept>
 
 #include "support/tempdir.h"
 
@@ -46,6 +48,21 @@ TEST(ReadWholeFile, ReadsEveryByteOfARegularFileAndNothingElse) {
   std::filesystem::create_directory(dir.File("folder.don"));
   EXPECT_EQ(ReadWholeFile(dir.File("folder.don")), std::nullopt);
   EXPECT_EQ(ReadWholeFile(dir.File("absent")), std::nullopt);
+}
+
+TEST(WriteFileAtomically, AFailedOrInterruptedWriteLeavesTheOldFileAndNoTrace) {
+  testing::TempDir dir;
+  const std::string path = dir.Write("a.res", "old");
+  EXPECT_THROW(WriteFileAtomically(path, [](std::ostream& out) {
+                 out << "half";
+                 throw std::runtime_error("out of memory");
+               }),
+               std::runtime_error);
+  EXPECT_FALSE(WriteFileAtomically(path, [](std::ostream& out) { out.setstate(std::ios::badbit); }));
+  EXPECT_EQ(ReadWholeFile(path), "old");
+  EXPECT_TRUE(WriteFileAtomically(path, [](std::ostream& out) { out << "new"; }));
+  EXPECT_EQ(ReadWholeFile(path), "new");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1) << "a temporary file was left";
 }
 
 TEST(FileNames, ControlCharactersMakeANameUnusableAndAreShownEscaped) {
