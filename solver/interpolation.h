@@ -16,19 +16,25 @@ namespace tessiva::solver {
 
 class WorkerPool;
 
-// An allocator whose new elements are left unset rather than zeroed. The
-// picture arrays are written whole by the workers that prepare them, so
-// their pages are first touched, and cleared by the system, on those
-// workers in parallel instead of by one thread beforehand.
+// Memory for a picture array. A large one is laid on the system's huge pages
+// where it offers them: a 512th of the page faults when it is first written,
+// and far fewer address-translation misses when subsets are sampled across it.
+void* AllocatePictureBytes(size_t bytes);
+void FreePictureBytes(void* p, size_t bytes) noexcept;
+
+// The picture arrays' allocator: their memory as above, and new elements left
+// unset rather than zeroed. The arrays are written whole by the workers that
+// prepare them, so their pages are first touched, and cleared by the system,
+// on those workers in parallel instead of by one thread beforehand.
 template <class T>
-struct UnsetAllocator : std::allocator<T> {
+struct PictureAllocator : std::allocator<T> {
   template <class U>
   struct rebind {
-    using other = UnsetAllocator<U>;
+    using other = PictureAllocator<U>;
   };
-  UnsetAllocator() = default;
+  PictureAllocator() = default;
   template <class U>
-  UnsetAllocator(const UnsetAllocator<U>&) noexcept {}
+  PictureAllocator(const PictureAllocator<U>&) noexcept {}
   template <class U>
   void construct(U* p) noexcept {
     ::new (static_cast<void*>(p)) U;
@@ -37,8 +43,10 @@ struct UnsetAllocator : std::allocator<T> {
   void construct(U* p, Args&&... args) {
     ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
   }
+  T* allocate(size_t n) { return static_cast<T*>(AllocatePictureBytes(n * sizeof(T))); }
+  void deallocate(T* p, size_t n) noexcept { FreePictureBytes(p, n * sizeof(T)); }
 };
-using PictureArray = std::vector<double, UnsetAllocator<double>>;
+using PictureArray = std::vector<double, PictureAllocator<double>>;
 
 enum class Interpolant { Bilinear = 0, CubicBSpline = 1 };
 
