@@ -134,21 +134,19 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   if (seeds.empty()) return Failure(path + ": its previous result has no good pattern");
   const FieldSolution field = SolveField(problem, seeds, pool);
 
+  const auto good = [&](int32_t k) { return carried[k].good && field.patterns[k].good; };
   JobOutcome outcome{true, "", s.NbPat, 0};
-  std::vector<PatternRecord> records;
-  for (int32_t k = 1; k <= s.NbPat; ++k) {
+  for (int32_t k = 1; k <= s.NbPat; ++k) outcome.bad += good(k) ? 0 : 1;
+  const auto record = [&](int32_t k) -> PatternRecord {
     const PatternSolution& p = field.patterns[k];
-    const bool good = carried[k].good && p.good;
     const double offX = s.XPat[k] + carried[k].warp.u - problem.x[k], offY = s.YPat[k] + carried[k].warp.v - problem.y[k];
-    const double quality = s.Correlation == 0 ? 2.0 * (1.0 - p.zncc) : p.zncc;
-    records.push_back({good, s.XPat[k], s.YPat[k], good ? Accumulate(carried[k].warp, p.warp, offX, offY) : Warp{},
-                       p.iterations, p.side, quality});
-    outcome.bad += good ? 0 : 1;
-  }
+    return {good(k), s.XPat[k], s.YPat[k], good(k) ? Accumulate(carried[k].warp, p.warp, offX, offY) : Warp{},
+            p.iterations, p.side, QualityOf(s.Correlation, p.zncc)};
+  };
   const std::string picAna = stubKeys.Text("PICTURES", "PicRefini").value_or(refName);
   const std::string head = MemberHead(*stub, previousHead);
   const auto writeResult = [&](std::ostream& out) {
-    WriteResult(out, head, picAna, records, s.LpatEven, s.Lpas, &pool);
+    WriteResult(out, head, picAna, s.NbPat, record, s.LpatEven, s.Lpas, &pool);
   };
   if (!WriteFileAtomically(ResultPathOf(path), writeResult))
     return Failure(ResultPathOf(path) + ": the result file can't be written");

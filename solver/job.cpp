@@ -96,18 +96,16 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
                      std::to_string(s.YPat[seeds[i].pattern]) + ") finds no correlation (blank or featureless region?)");
 
   JobOutcome outcome{true, "", s.NbPat, 0};
-  std::vector<PatternRecord> records;
-  records.reserve(static_cast<size_t>(s.NbPat));
-  for (int32_t k = 1; k <= s.NbPat; ++k) {
+  for (int32_t k = 1; k <= s.NbPat; ++k) outcome.bad += field.patterns[k].good ? 0 : 1;
+  // A failed pattern's warp may have diverged: it is written as no displacement.
+  const auto record = [&](int32_t k) -> PatternRecord {
     const PatternSolution& p = field.patterns[k];
-    const double quality = s.Correlation == 0 ? 2.0 * (1.0 - p.zncc) : p.zncc;
-    // A failed pattern's warp may have diverged: it is written as no displacement.
-    records.push_back({p.good, s.XPat[k], s.YPat[k], p.good ? p.warp : Warp{}, p.iterations, p.side, quality});
-    outcome.bad += p.good ? 0 : 1;
-  }
+    const Warp warp = p.good ? p.warp : Warp{};
+    return {p.good, s.XPat[k], s.YPat[k], warp, p.iterations, p.side, QualityOf(s.Correlation, p.zncc)};
+  };
   const std::string picAna = job->pictures.picRefini.value_or(s.PicRefName);
   const auto writeResult = [&](std::ostream& out) {
-    WriteResult(out, *dataText, picAna, records, s.LpatEven, s.Lpas, &pool);
+    WriteResult(out, *dataText, picAna, s.NbPat, record, s.LpatEven, s.Lpas, &pool);
   };
   if (!WriteFileAtomically(ResultPathOf(path), writeResult))
     return Failure(ResultPathOf(path) + ": the result file can't be written");

@@ -107,17 +107,22 @@ Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas) {
   return {{w.ux * l, w.uy * l, 0.0, w.u - w.ux * h - w.uy * h}, {w.vx * l, w.vy * l, 0.0, w.v - w.vx * h - w.vy * h}};
 }
 
-void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna,
-                 const std::vector<PatternRecord>& patterns, int32_t lpatEven, int32_t lpas, WorkerPool* pool) {
+double QualityOf(int32_t correlationSwitch, double zncc) {
+  return correlationSwitch == 0 ? 2.0 * (1.0 - zncc) : zncc;
+}
+
+void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna, int32_t patterns,
+                 const RecordOf& record, int32_t lpatEven, int32_t lpas, WorkerPool* pool) {
   out << WithPicAna(dataText, picAna) << "[RESULTS]\n";
-  const size_t blocks = (patterns.size() + kPatternsPerBlock - 1) / kPatternsPerBlock;
+  const auto count = static_cast<size_t>(std::max(patterns, 0));
+  const size_t blocks = (count + kPatternsPerBlock - 1) / kPatternsPerBlock;
   InOrderOutput output(out, blocks);
   const auto formatBlock = [&](int32_t b, int32_t) {
     const size_t first = static_cast<size_t>(b) * kPatternsPerBlock;
-    const size_t end = std::min(patterns.size(), first + kPatternsPerBlock);
+    const size_t end = std::min(count, first + kPatternsPerBlock);
     std::string text;
     text.reserve((end - first) * 160);  // four lines of about 40 characters
-    for (size_t i = first; i < end; ++i) AppendPattern(text, patterns[i], lpatEven, lpas);
+    for (size_t i = first; i < end; ++i) AppendPattern(text, record(static_cast<int32_t>(i + 1)), lpatEven, lpas);
     output.Done(static_cast<size_t>(b), std::move(text));
   };
   if (pool) {

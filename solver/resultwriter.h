@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -33,10 +34,19 @@ Bilinear BilinearOf(const Warp& w, int32_t lpatEven, int32_t lpas);
 
 class WorkerPool;
 
-// Writes the whole result file to `out`. With a pool, the patterns' lines are
-// formatted in blocks on its workers and written in order while later blocks
-// are formatted: the text is the same either way.
-void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna,
-                 const std::vector<PatternRecord>& patterns, int32_t lpatEven, int32_t lpas, WorkerPool* pool = nullptr);
+// The quality column for the file's Correlation switch: 2 (1 - ZNCC), a
+// distance, for 0, and the ZNCC itself otherwise.
+double QualityOf(int32_t correlationSwitch, double zncc);
+
+// Pattern k's record, k from 1. It is asked for by the block that writes the
+// pattern, on whichever worker formats that block.
+using RecordOf = std::function<PatternRecord(int32_t k)>;
+
+// Writes the whole result file of patterns 1 to `patterns` to `out`. With a
+// pool, the patterns' lines are formatted in blocks on its workers and
+// written in order while later blocks are formatted: the text is the same
+// either way.
+void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna, int32_t patterns,
+                 const RecordOf& record, int32_t lpatEven, int32_t lpas, WorkerPool* pool = nullptr);
 
 }  // namespace tessiva::solver

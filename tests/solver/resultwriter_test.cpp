@@ -50,7 +50,8 @@ void ExpectPatternsInOrder(const std::string& text, int32_t count) {
 
 std::string ResultText(const std::vector<PatternRecord>& records, WorkerPool* pool) {
   std::ostringstream out;
-  WriteResult(out, "[PICTURES]\n  PicRef=a.bmp\n", "a.bmp", records, 20, 4, pool);
+  const auto record = [&](int32_t k) { return records[static_cast<size_t>(k - 1)]; };
+  WriteResult(out, "[PICTURES]\n  PicRef=a.bmp\n", "a.bmp", static_cast<int32_t>(records.size()), record, 20, 4, pool);
   return out.str();
 }
 
