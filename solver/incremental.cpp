@@ -122,7 +122,7 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   const int32_t width = std::min(pair.PixRef.UpperX(), pair.PixDef.UpperX());
   const int32_t height = std::min(pair.PixRef.UpperY(), pair.PixDef.UpperY());
   const SampledPair pictures(pair.PixRef, pair.PixDef, width, height, InterpolantOf(s), pool);
-  FieldProblem problem = ProblemOf(*job, pictures.ref, pictures.def, options.threads);
+  FieldProblem problem = ProblemOf(*job, pictures.ref, pictures.def, pool);
   problem.largeStrain = false;  // an increment is small: each pattern starts from none
   // Subsets stand at the whole pixel nearest to where each pattern has got to.
   std::vector<StartSeed> seeds;

@@ -60,7 +60,7 @@ FieldSolution SolvedField(LoadedJob& job, const std::vector<StartSeed>& seeds, W
   const int32_t width = std::min({s.Lima, s.PixRef.UpperX(), s.PixDef.UpperX()});
   const int32_t height = std::min({s.Hima, s.PixRef.UpperY(), s.PixDef.UpperY()});
   const SampledPair pair(s.PixRef, s.PixDef, width, height, InterpolantOf(s), pool);
-  return SolveField(ProblemOf(job, pair.ref, pair.def, pool.Workers()), seeds, pool);
+  return SolveField(ProblemOf(job, pair.ref, pair.def, pool), seeds, pool);
 }
 
 }  // namespace

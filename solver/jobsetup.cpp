@@ -1,5 +1,7 @@
 #include "jobsetup.h"
 
+#include <algorithm>
+
 #include "formats/datafile.h"
 #include "formats/sections.h"
 #include "setup/areas.h"
@@ -77,7 +79,7 @@ Interpolant InterpolantOf(const AppState& s) {
   return s.Interpolation == 0 ? Interpolant::Bilinear : Interpolant::CubicBSpline;
 }
 
-FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, int32_t threads) {
+FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, WorkerPool& pool) {
   const AppState& s = job.s;
   FieldProblem p;
   p.ref = &ref;
@@ -85,16 +87,21 @@ FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const Sa
   p.x.assign(s.XPat.begin(), s.XPat.begin() + s.NbPat + 1);
   p.y.assign(s.YPat.begin(), s.YPat.begin() + s.NbPat + 1);
   p.neighbours.resize(p.x.size());
-  for (int32_t k = 1; k <= s.NbPat; ++k) {
-    const int32_t x = s.XPat[k], y = s.YPat[k], step = s.Lpas;
-    p.neighbours[k] = {job.grid.PatternAt(x - step, y), job.grid.PatternAt(x + step, y),
-                       job.grid.PatternAt(x, y - step), job.grid.PatternAt(x, y + step)};
-  }
+  constexpr int32_t kPatternsPerItem = 4096;
+  pool.ForEach((s.NbPat + kPatternsPerItem) / kPatternsPerItem, [&](int32_t item, int32_t) {
+    const int32_t first = std::max(1, item * kPatternsPerItem);
+    const int32_t end = std::min(s.NbPat + 1, (item + 1) * kPatternsPerItem);
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t x = s.XPat[k], y = s.YPat[k], step = s.Lpas;
+      p.neighbours[k] = {job.grid.PatternAt(x - step, y), job.grid.PatternAt(x + step, y),
+                         job.grid.PatternAt(x, y - step), job.grid.PatternAt(x, y + step)};
+    }
+  });
   p.sideMin = s.LpatMin | 1;  // an odd side centres the subset on the pattern's pixel
   p.sideMax = s.LpatMax | 1;
   p.icgn.tolerance = 1.0 / s.Precision;
   p.largeStrain = s.LargeStrain != 0;
-  p.threads = threads;
+  p.threads = pool.Workers();
   return p;
 }
 

@@ -31,8 +31,9 @@ std::string ReadPicturePair(const std::string& refPath, const std::string& defPa
 std::optional<std::string> LoadJob(LoadedJob& job, const std::string& dataDir, const std::string& name,
                                    WorkerPool* pool = nullptr);
 
-// The grid's patterns, their neighbours and the solver settings of the file.
-FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, int32_t threads);
+// The grid's patterns, their neighbours (found over the pool) and the solver
+// settings of the file, for as many threads as the pool has.
+FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const SampledPicture& def, WorkerPool& pool);
 
 // The interpolant the file asks for.
 Interpolant InterpolantOf(const AppState& s);
