@@ -42,6 +42,14 @@ Warp CarriedFrom(const FieldProblem& p, int32_t from, int32_t to, const Warp& w)
   return {w.u + w.ux * dx + w.uy * dy, w.ux, w.uy, w.v + w.vx * dx + w.vy * dy, w.vx, w.vy};
 }
 
+// The guess for pattern k: the warp of its best solved neighbour carried to it.
+Warp GuessFor(const FieldProblem& p, const std::vector<PatternSolution>& sol, int32_t k) {
+  int32_t best = 0;
+  for (int32_t n : p.neighbours[k])
+    if (n > 0 && sol[n].good && (best == 0 || sol[n].zncc > sol[best].zncc)) best = n;
+  return CarriedFrom(p, best, k, sol[best].warp);
+}
+
 }  // namespace
 
 FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& seeds) {
@@ -67,28 +75,29 @@ FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& se
     if (seedSolutions[i].good && (!slot.good || seedSolutions[i].zncc > slot.zncc)) slot = seedSolutions[i];
     if (seedSolutions[i].good) wave.push_back(seeds[i].pattern);
   }
+  std::vector<int32_t> next;
+  std::vector<PatternSolution> solved;
   while (!wave.empty()) {
-    // The untried neighbours of this wave, each seeded from its best solved neighbour.
-    std::vector<std::pair<int32_t, Warp>> next;
+    // The untried neighbours of this wave, each seeded from its best solved
+    // neighbour. Their solutions are kept aside until the wave is done, so
+    // that every guess reads the field as the wave found it.
+    next.clear();
     for (int32_t k : wave)
       for (int32_t n : p.neighbours[k])
         if (n > 0 && !sol[n].tried) {
           sol[n].tried = true;
-          next.push_back({n, {}});
+          next.push_back(n);
         }
-    std::sort(next.begin(), next.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (auto& [k, guess] : next) {
-      int32_t best = 0;
-      for (int32_t n : p.neighbours[k])
-        if (n > 0 && sol[n].good && (best == 0 || sol[n].zncc > sol[best].zncc)) best = n;
-      guess = CarriedFrom(p, best, k, sol[best].warp);
-    }
+    std::sort(next.begin(), next.end());
+    solved.resize(next.size());
     pool.ForEach(static_cast<int32_t>(next.size()), [&](int32_t i, int32_t w) {
-      sol[next[i].first] = SolvePattern(*correlators[w], p, next[i].first, next[i].second);
+      solved[i] = SolvePattern(*correlators[w], p, next[i], GuessFor(p, sol, next[i]));
     });
     wave.clear();
-    for (const auto& [k, guess] : next)
-      if (sol[k].good) wave.push_back(k);
+    for (size_t i = 0; i < next.size(); ++i) {
+      sol[next[i]] = solved[i];
+      if (solved[i].good) wave.push_back(next[i]);
+    }
   }
   return field;
 }
