@@ -4,9 +4,10 @@
 # a pattern every 4 pixels, 21 x 21 subsets, stop at 0.001 pixel. Each solver
 # given runs at 1 and at 2 threads, the solvers and thread counts interleaved
 # round after round, so that a load that comes and goes on a shared machine
-# falls on all of them alike. Prints each run's wall time, processor time
-# (user and system, all threads) and peak memory, then the medians; with two
-# solvers, the largest difference of their results.
+# falls on all of them alike. Prints each run's wall time and processor time
+# (user and system, all threads), then their medians, the peak memory of one
+# more run and the speed-up from 1 to 2 threads; with two solvers, the
+# largest difference of their results.
 #
 #   bench/solver_process.sh CLI SOLVER [OTHER_SOLVER] [--rounds N] [--size N] [--grid N] [--dir DIR]
 set -euo pipefail
@@ -37,15 +38,26 @@ for i in "${!solvers[@]}"; do
   rm -rf "$dir/run$i" && cp -r "$dir/job" "$dir/run$i"
 done
 
-echo "solver threads round wall_s peak_rss_mb cpu_s"
+# Wall and processor time (user and system, all threads) from the shell's
+# own timer, which adds no process of its own to the run it times.
+TIMEFORMAT="%3R %3U %3S"
+: > "$dir/times"
+: > "$dir/peaks"
+echo "solver threads round wall_s cpu_s"
 for round in $(seq "$rounds"); do
   for threads in 1 2; do
     for i in "${!solvers[@]}"; do
-      TESSIVA_SOLVER_THREADS=$threads /usr/bin/time -f "%e %M %U %S" -o "$dir/time" \
-        "${solvers[$i]}" "$dir/run$i" "$dir/run$i" >/dev/null
-      read -r wall rss user system < "$dir/time"
-      echo "$i $threads $round $wall $((rss / 1024)) $(awk -v u="$user" -v s="$system" 'BEGIN { print u + s }')" | tee -a "$dir/times"
+      times=$( { time TESSIVA_SOLVER_THREADS=$threads "${solvers[$i]}" "$dir/run$i" "$dir/run$i" >/dev/null 2>"$dir/stderr"; } 2>&1)
+      read -r wall user system <<< "$times"
+      echo "$i $threads $round $wall $(awk -v u="$user" -v s="$system" 'BEGIN { print u + s }')" | tee -a "$dir/times"
     done
+  done
+done
+# Peak memory, in one more run of each.
+for threads in 1 2; do
+  for i in "${!solvers[@]}"; do
+    TESSIVA_SOLVER_THREADS=$threads /usr/bin/time -f "%M" -o "$dir/rss" "${solvers[$i]}" "$dir/run$i" "$dir/run$i" >/dev/null
+    echo "$i $threads $(($(cat "$dir/rss") / 1024))" >> "$dir/peaks"
   done
 done
 
@@ -54,12 +66,15 @@ median() {
   awk -v s="$1" -v t="$2" -v c="$3" '$1 == s && $2 == t { print $c }' "$dir/times" | sort -n |
     awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'
 }
-echo "median wall time, peak memory and processor time, per solver and thread count:"
+peak() { awk -v s="$1" -v t="$2" '$1 == s && $2 == t { print $3 }' "$dir/peaks"; }
+echo "median wall and processor time, and peak memory, per solver and thread count:"
 for i in "${!solvers[@]}"; do
   for threads in 1 2; do
     echo "${solvers[$i]} (solver $i) threads $threads: $(median "$i" "$threads" 4) s," \
-      "$(median "$i" "$threads" 5) MB, $(median "$i" "$threads" 6) s of processor"
+      "$(median "$i" "$threads" 5) s of processor, $(peak "$i" "$threads") MB"
   done
+  echo "${solvers[$i]} (solver $i) from 1 to 2 threads: $(awk -v a="$(median "$i" 1 4)" -v b="$(median "$i" 2 4)" \
+    'BEGIN { printf "%.2f", a / b }') times as fast"
 done
 if [ ${#solvers[@]} -ge 2 ]; then
   python3 "$here/compare_results.py" "$dir/run0/strict.res" "$dir/run1/strict.res"
