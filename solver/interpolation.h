@@ -5,48 +5,16 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <new>
-#include <utility>
 #include <vector>
 
+#include "largearray.h"
 #include "state/appstate.h"
 
 namespace tessiva::solver {
 
 class WorkerPool;
 
-// Memory for a picture array. A large one is laid on the system's huge pages
-// where it offers them: a 512th of the page faults when it is first written,
-// and far fewer address-translation misses when subsets are sampled across it.
-void* AllocatePictureBytes(size_t bytes);
-void FreePictureBytes(void* p, size_t bytes) noexcept;
-
-// The picture arrays' allocator: their memory as above, and new elements left
-// unset rather than zeroed. The arrays are written whole by the workers that
-// prepare them, so their pages are first touched, and cleared by the system,
-// on those workers in parallel instead of by one thread beforehand.
-template <class T>
-struct PictureAllocator : std::allocator<T> {
-  template <class U>
-  struct rebind {
-    using other = PictureAllocator<U>;
-  };
-  PictureAllocator() = default;
-  template <class U>
-  PictureAllocator(const PictureAllocator<U>&) noexcept {}
-  template <class U>
-  void construct(U* p) noexcept {
-    ::new (static_cast<void*>(p)) U;
-  }
-  template <class U, class... Args>
-  void construct(U* p, Args&&... args) {
-    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
-  }
-  T* allocate(size_t n) { return static_cast<T*>(AllocatePictureBytes(n * sizeof(T))); }
-  void deallocate(T* p, size_t n) noexcept { FreePictureBytes(p, n * sizeof(T)); }
-};
-using PictureArray = std::vector<double, PictureAllocator<double>>;
+using PictureArray = LargeArray<double>;
 
 enum class Interpolant { Bilinear = 0, CubicBSpline = 1 };
 

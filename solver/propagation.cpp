@@ -43,7 +43,7 @@ Warp CarriedFrom(const FieldProblem& p, int32_t from, int32_t to, const Warp& w)
 }
 
 // The guess for pattern k: the warp of its best solved neighbour carried to it.
-Warp GuessFor(const FieldProblem& p, const std::vector<PatternSolution>& sol, int32_t k) {
+Warp GuessFor(const FieldProblem& p, const LargeArray<PatternSolution>& sol, int32_t k) {
   int32_t best = 0;
   for (int32_t n : p.neighbours[k])
     if (n > 0 && sol[n].good && (best == 0 || sol[n].zncc > sol[best].zncc)) best = n;
@@ -61,7 +61,7 @@ FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& se
   const auto count = static_cast<int32_t>(p.x.size()) - 1;
   std::vector<std::unique_ptr<SubsetCorrelator>> correlators;
   for (int32_t w = 0; w < pool.Workers(); ++w) correlators.push_back(std::make_unique<SubsetCorrelator>(*p.ref, *p.def, p.icgn));
-  FieldSolution field{std::vector<PatternSolution>(static_cast<size_t>(count) + 1), std::vector<bool>(seeds.size())};
+  FieldSolution field{LargeArray<PatternSolution>(static_cast<size_t>(count) + 1), std::vector<bool>(seeds.size())};
   auto& sol = field.patterns;
 
   std::vector<PatternSolution> seedSolutions(seeds.size());

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "icgn.h"
+#include "largearray.h"
 
 namespace tessiva::solver {
 
@@ -46,7 +47,7 @@ struct StartSeed {
 };
 
 struct FieldSolution {
-  std::vector<PatternSolution> patterns;  // 1-based
+  LargeArray<PatternSolution> patterns;  // 1-based
   std::vector<bool> seedGood;             // per start seed
 };
 
