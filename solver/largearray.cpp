@@ -2,10 +2,30 @@
 
 #include <sys/mman.h>
 
+#include <cstddef>
+
 namespace tessiva::solver {
 namespace {
 
 constexpr size_t kHugePage = size_t{2} << 20;
+
+class LargeMemoryResource : public std::pmr::memory_resource {
+  // An alignment beyond what operator new gives (which no picture array asks
+  // for) is left to the standard resource.
+  static bool Plain(size_t alignment) { return alignment <= alignof(std::max_align_t); }
+
+  void* do_allocate(size_t bytes, size_t alignment) override {
+    return Plain(alignment) ? AllocateLarge(bytes) : std::pmr::new_delete_resource()->allocate(bytes, alignment);
+  }
+  void do_deallocate(void* p, size_t bytes, size_t alignment) override {
+    if (Plain(alignment)) {
+      FreeLarge(p, bytes);
+    } else {
+      std::pmr::new_delete_resource()->deallocate(p, bytes, alignment);
+    }
+  }
+  bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
+};
 
 }  // namespace
 
@@ -25,6 +45,11 @@ void FreeLarge(void* p, size_t bytes) noexcept {
   } else {
     ::operator delete(p, std::align_val_t{kHugePage});
   }
+}
+
+std::pmr::memory_resource* LargeMemory() {
+  static LargeMemoryResource memory;
+  return &memory;
 }
 
 }  // namespace tessiva::solver

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <memory_resource>
 #include <new>
 #include <utility>
 #include <vector>
@@ -15,6 +16,11 @@ namespace tessiva::solver {
 // address-translation misses when it is read across.
 void* AllocateLarge(size_t bytes);
 void FreeLarge(void* p, size_t bytes) noexcept;
+
+// The same memory for the standard library's polymorphic containers. The
+// solver makes it their default, so that the grey levels of the pictures it
+// reads, which the core keeps in such a container, get it too.
+std::pmr::memory_resource* LargeMemory();
 
 // The allocator of those arrays: their memory as above, and new elements
 // default-initialised rather than zeroed. An array of numbers is thus left

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <memory_resource>
 #include <new>
 #include <string>
 #include <thread>
 
+#include "largearray.h"
 #include "runner.h"
 
 namespace {
@@ -27,6 +29,7 @@ int main(int argc, char** argv) {
     std::cerr << "usage: tessiva-solver <data directory> <program directory>" << std::endl;
     return 2;
   }
+  std::pmr::set_default_resource(tessiva::solver::LargeMemory());
   // Every job catches its own faults; what is left is a fault of the batch
   // itself, told in plain words: the library's own texts mean nothing to users.
   try {

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory_resource>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,9 @@ class GreyArray {
   size_t Index(int32_t x, int32_t y) const { return static_cast<size_t>(y) * static_cast<size_t>(width_ + 1) + static_cast<size_t>(x); }
   int32_t width_ = -1;
   int32_t height_ = -1;
-  std::vector<int32_t> values_;
+  // From the default memory resource in force when the array was made, which
+  // a program may set to suit pictures of many megabytes.
+  std::pmr::vector<int32_t> values_;
 };
 
 struct AppState {
