@@ -39,11 +39,15 @@ void WorkerPool::ForEach(int32_t count, const std::function<void(int32_t, int32_
   body_ = &body;
   count_ = count;
   next_ = 0;
-  busy_ = static_cast<int32_t>(threads_.size());
+  open_ = true;
   generation_.fetch_add(1);
   generation_.notify_all();
   TakeItems(0);
-  while (busy_.load() > 0) Pause();
+  // Every item is handed out. A helper still asleep, or only now waking, has
+  // nothing left to take: the loop is closed to it rather than waited for,
+  // and only the helpers inside are waited for, to finish their items.
+  open_ = false;
+  while (inside_.load() > 0) Pause();
   // Every helper has left the loop, so the exception is ours alone to hand on.
   if (failed_.load()) {
     failed_ = false;
@@ -70,8 +74,12 @@ void WorkerPool::Serve(int32_t worker) {
     generation_.wait(seen);
     seen = generation_.load();
     if (stopping_) return;
-    TakeItems(worker);
-    busy_.fetch_sub(1);
+    // Inside first, then the look at the loop: a caller that closes the
+    // loop after this helper came in waits for it, and one that closed it
+    // before is seen to have. A loop opened since is joined all the same.
+    inside_.fetch_add(1);
+    if (open_.load()) TakeItems(worker);
+    inside_.fetch_sub(1);
   }
 }
 

@@ -38,7 +38,8 @@ class WorkerPool {
   const std::function<void(int32_t, int32_t)>* body_ = nullptr;
   int32_t count_ = 0;
   std::atomic<int32_t> next_{0};
-  std::atomic<int32_t> busy_{0};          // helpers still in the current loop
+  std::atomic<bool> open_{false};         // the current loop still takes helpers
+  std::atomic<int32_t> inside_{0};        // helpers in a loop
   std::atomic<uint32_t> generation_{0};   // raised for every loop, and to stop
   std::atomic<bool> stopping_{false};
   std::atomic<bool> failed_{false};  // a body of the current loop has thrown
