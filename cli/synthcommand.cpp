@@ -101,7 +101,7 @@ int RunSynth(const SynthRequest& request, std::ostream& out, std::ostream& err) 
     return kFailed;
   }
   const std::string extension(ExtensionOf(request.format));
-  for (const std::string name : {"ref." + extension, "def." + extension, std::string("truth.txt")})
+  for (const std::string& name : {"ref." + extension, "def." + extension, std::string("truth.txt")})
     out << JoinPath(request.dir, name) << " written\n";
   return kDone;
 }

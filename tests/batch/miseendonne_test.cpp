@@ -302,7 +302,9 @@ TEST_F(InputFixture, StartAsksBeforeAStubReplacesADataFileHoldingASetup) {
     Pick("Dp", {"d.bmp"});
     input.OnCommand1();
     ASSERT_EQ(ui.Messages().size(), c.asks ? 1u : 0u) << c.existing;
-    if (c.asks) EXPECT_NE(ui.Messages()[0].find(P("ref-d.don")), std::string::npos);
+    if (c.asks) {
+      EXPECT_NE(ui.Messages()[0].find(P("ref-d.don")), std::string::npos);
+    }
     EXPECT_EQ(dir.Read("ref-d.don") != c.existing, c.replaced) << c.existing;
     EXPECT_TRUE(frameControls.Visible("AreaForm"));
   }

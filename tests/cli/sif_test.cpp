@@ -52,8 +52,8 @@ TEST_F(Sif, OneRowAMemberWithItsFactorsAndDirection) {
   const auto rows = Lines(tab.out, "\r\n");
   ASSERT_EQ(rows.size(), 3u);
   EXPECT_EQ(rows[0], "File\tJ\tKI\tKII\tKIfromJ\tJfromKs\tDirection");
-  for (size_t m = 1; m <= 2; ++m) {
-    const auto fields = SplitText(rows[m], "\t");
+  for (int m = 1; m <= 2; ++m) {
+    const auto fields = SplitText(rows[static_cast<size_t>(m)], "\t");
     ASSERT_EQ(fields.size(), 7u);
     EXPECT_EQ(fields[0], m == 1 ? "a.res" : "b.res");
     EXPECT_NEAR(std::stod(fields[2]), 1e9 * m, 2e7 * m);

@@ -123,7 +123,9 @@ TEST_F(CrackTest, WilliamsFieldsGiveTheirFactorsAlongXAndAtAnAngle) {
     EXPECT_DOUBLE_EQ(k.innerRadius, 0.4 * radius);
     EXPECT_DOUBLE_EQ(k.outerRadius, 0.8 * radius);
     // Pure mode I grows along its own line.
-    if (c.kii == 0) EXPECT_NEAR(std::sin(k.direction + c.angle), 0, 0.01);
+    if (c.kii == 0) {
+      EXPECT_NEAR(std::sin(k.direction + c.angle), 0, 0.01);
+    }
   }
 }
 
@@ -314,7 +316,7 @@ TEST_F(CrackTest, CracksThatCantBeMeasuredWriteNoRow) {
   // Patterns cover 16..184 only.
   ReadSequence({testing::WilliamsField(Load(0, 1e9, 0))}, 184);
   window.ArmSectionTool(SectionKind::Crack);
-  const size_t head = Rows().size();
+  const size_t rowsBefore = Rows().size();
   struct Case {
     const char* name;
     double x1, y1, x2, y2;
@@ -328,7 +330,7 @@ TEST_F(CrackTest, CracksThatCantBeMeasuredWriteNoRow) {
     SCOPED_TRACE(c.name);
     s.FissureOn = false;
     Drag(c.x1, c.y1, c.x2, c.y2);
-    EXPECT_EQ(Rows().size(), head);
+    EXPECT_EQ(Rows().size(), rowsBefore);
     EXPECT_EQ(s.FissureOn, c.defined);
   }
   EXPECT_EQ(frame.Text("Label1"),

@@ -144,7 +144,9 @@ TEST(AreaFormPointer, EachToolButtonDrawsItsOwnShape) {
     w.DragOnRef(c.button, 40, 40, 100, 40);
     EXPECT_EQ(w.s.NbBox - 1, c.areas) << c.button;
     EXPECT_EQ(w.form.Gages().Count(), c.gaugeType < 0 ? 0 : 1) << c.button;
-    if (c.gaugeType >= 0) EXPECT_EQ(w.form.Gages().Get(1).type, c.gaugeType) << c.button;
+    if (c.gaugeType >= 0) {
+      EXPECT_EQ(w.form.Gages().Get(1).type, c.gaugeType) << c.button;
+    }
     EXPECT_EQ(w.s.FissureOn, c.button == kCrackButton) << c.button;
   }
 }
@@ -166,7 +168,7 @@ TEST(AreaFormPointer, FormingLimitBandThenNeckClickAndFreeHandClicks) {
   // A free shape: three clicks, then one near the first closes a triangle.
   SequenceWindow f({{0, 0}});
   f.Toolbar2(9, true);
-  for (const auto [x, y] : {std::pair{30, 30}, {120, 30}, {80, 100}, {33, 32}}) f.ClickRef(x, y);
+  for (const auto& [x, y] : {std::pair{30, 30}, {120, 30}, {80, 100}, {33, 32}}) f.ClickRef(x, y);
   EXPECT_EQ(f.s.NbBox, 2);
   EXPECT_EQ(f.s.Nbox[1], 4);
 }
