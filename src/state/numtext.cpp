@@ -1,6 +1,8 @@
 #include "state/numtext.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <ctime>
@@ -294,19 +296,71 @@ std::string Format(double value, std::string_view pattern) {
   return text;
 }
 
+namespace {
+
+// Products of 53 and 56 bits, which only GCC's and Clang's own type holds.
+__extension__ typedef unsigned __int128 Wide;
+
+// 5^0 to 5^24, the powers that scale a value of [1e-9, 1e9) to 15 digits.
+constexpr auto kPowersOfFive = [] {
+  std::array<uint64_t, 25> powers{};
+  powers[0] = 1;
+  for (size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 5;
+  return powers;
+}();
+
+// The 15 significant digits of a in [1e-9, 1e9), rounded to nearest, by
+// exact integer arithmetic: a = digits x 10^(point - 15). False where the
+// general conversion must decide: a out of range, or halfway between two
+// 15-digit decimals, which it rounds to even.
+bool FifteenDigits(double a, uint64_t& digits, int& point) {
+  if (!(a >= 1e-9 && a < 1e9)) return false;
+  static constexpr uint64_t kFifteenDigits = 1'000'000'000'000'000;
+  // a = mantissa x 2^(power - 52), a normal number.
+  const auto bits = std::bit_cast<uint64_t>(a);
+  const uint64_t mantissa = (bits & ((uint64_t{1} << 52) - 1)) | (uint64_t{1} << 52);
+  const int power = static_cast<int>(bits >> 52) - 1023;
+  // floor(power x log10 2) + 1: the point of a, or one short of it.
+  int p = ((power * 78913) >> 18) + 1;
+  for (int tries = 0; tries < 2; ++tries, ++p) {
+    // a x 10^s = mantissa x 5^s / 2^shift: at most 53 + 56 bits.
+    const int s = 15 - p, shift = 52 - power - s;
+    const Wide scaled = static_cast<Wide>(mantissa) * kPowersOfFive[static_cast<size_t>(s)];
+    const auto whole = static_cast<uint64_t>(scaled >> shift);
+    if (whole >= kFifteenDigits) continue;  // the point is the next one
+    const Wide half = static_cast<Wide>(1) << (shift - 1);
+    const Wide rest = scaled & ((half << 1) - 1);
+    if (rest == half) return false;
+    digits = whole + (rest > half ? 1 : 0);
+    point = p;
+    if (digits == kFifteenDigits) {  // 999...9.5 and more rounds up to the next power of ten
+      digits /= 10;
+      ++point;
+    }
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 void AppendFixed(std::string& out, double value, int decimals) {
   // The digits Format works on: 15 significant ones, value = 0.digits x 10^point.
   char digits[16];
   int count = 0, point = 0;
   if (const double a = std::isfinite(value) ? std::fabs(value) : 0.0; a > 0.0) {
-    char text[32];  // "d.dddddddddddddde-ddd"
-    const char* end = std::to_chars(text, text + sizeof text, a, std::chars_format::scientific, 14).ptr;
-    digits[0] = text[0];
-    std::copy(text + 2, text + 16, digits + 1);
     count = 15;
-    const char* exponent = text + 17 + (text[17] == '+');
-    std::from_chars(exponent, end, point);
-    ++point;
+    if (uint64_t whole = 0; FifteenDigits(a, whole, point)) {
+      std::to_chars(digits, digits + sizeof digits, whole);
+    } else {
+      char text[32];  // "d.dddddddddddddde-ddd"
+      const char* end = std::to_chars(text, text + sizeof text, a, std::chars_format::scientific, 14).ptr;
+      digits[0] = text[0];
+      std::copy(text + 2, text + 16, digits + 1);
+      const char* exponent = text + 17 + (text[17] == '+');
+      std::from_chars(exponent, end, point);
+      ++point;
+    }
   }
   // Rounded half away from zero at the last place shown.
   const int keep = point + decimals;
@@ -329,11 +383,17 @@ void AppendFixed(std::string& out, double value, int decimals) {
     }
   }
   const auto digitAt = [&](int index) { return index >= 0 && index < count ? digits[index] : '0'; };
-  if (value < 0 && std::any_of(digits, digits + count, [](char c) { return c != '0'; })) out += '-';
-  if (point <= 0) out += '0';
-  for (int i = 0; i < point; ++i) out += digitAt(i);
-  if (decimals > 0) out += '.';
-  for (int i = 0; i < decimals; ++i) out += digitAt(point + i);
+  const bool negative = value < 0 && std::any_of(digits, digits + count, [](char c) { return c != '0'; });
+  const int integerPlaces = std::max(point, 1);
+  const size_t at = out.size();
+  out.resize(at + (negative ? 1 : 0) + static_cast<size_t>(integerPlaces) + (decimals > 0 ? decimals + 1 : 0));
+  char* text = out.data() + at;
+  if (negative) *text++ = '-';
+  for (int i = point - integerPlaces; i < point; ++i) *text++ = digitAt(i);
+  if (decimals > 0) {
+    *text++ = '.';
+    for (int i = point; i < point + decimals; ++i) *text++ = digitAt(i);
+  }
 }
 
 int32_t TodayNumber() {

@@ -112,7 +112,9 @@ TEST(Format, FillsDigitPlacesLiteralsAndExponents) {
 TEST(AppendFixed, GivesFormatsTextForEveryMagnitudeAndRoundingEdge) {
   const double edges[] = {0.0, -0.0, 0.0000005, -0.0000005, -0.0000004999, 0.9999995, -9.9999995, 999999.99999949,
                           2.5, 0.15, 1e-20, -1e-300, 1e20, 123456789012345678.0, 1e308, 5e-7, 4.9999999999999e-7,
-                          std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity()};
+                          std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity(),
+                          // Exactly halfway between two 15-digit decimals, rounded to even first.
+                          100000000.0078125, 100000000.0234375, 999999999.9999995, 0.000000000999999};
   std::vector<double> values(std::begin(edges), std::end(edges));
   std::mt19937_64 random(17);
   for (int i = 0; i < 3000; ++i) {
