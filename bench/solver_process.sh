@@ -73,8 +73,13 @@ for i in "${!solvers[@]}"; do
     echo "${solvers[$i]} (solver $i) threads $threads: $(median "$i" "$threads" 4) s," \
       "$(median "$i" "$threads" 5) s of processor, $(peak "$i" "$threads") MB"
   done
+  # Each round's two runs follow each other, so the ratio within a round
+  # suffers least from a load that drifts over the whole measurement.
+  perRound=$(awk -v s="$i" '$1 == s { w[$3, $2] = $4; rounds[$3] = 1 }
+    END { for (r in rounds) if (w[r, 2] > 0) print w[r, 1] / w[r, 2] }' "$dir/times" | sort -n |
+    awk '{ v[NR] = $1 } END { printf "%.2f", v[int((NR + 1) / 2)] }')
   echo "${solvers[$i]} (solver $i) from 1 to 2 threads: $(awk -v a="$(median "$i" 1 4)" -v b="$(median "$i" 2 4)" \
-    'BEGIN { printf "%.2f", a / b }') times as fast"
+    'BEGIN { printf "%.2f", a / b }') times as fast (median of the rounds' own ratios: $perRound)"
 done
 if [ ${#solvers[@]} -ge 2 ]; then
   python3 "$here/compare_results.py" "$dir/run0/strict.res" "$dir/run1/strict.res"
