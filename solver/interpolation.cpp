@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
-#include <iterator>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -274,14 +273,7 @@ void SampledPicture::ComputePixelGradients(const PictureArray& coeffs, WorkerPoo
 SampledPair::SampledPair(GreyArray& refPixels, GreyArray& defPixels, int32_t width, int32_t height, Interpolant kind,
                          WorkerPool& pool)
     : ref(SampledAndReleased(refPixels, width, height, kind, {.use = PictureUse::Reference, .pool = &pool})),
-      def(SampledAndReleased(defPixels, width, height, kind, {.use = PictureUse::Deformed, .pool = &pool})),
-      pool_(pool) {}
-
-SampledPair::~SampledPair() {
-  PictureArray* arrays[] = {&ref.levels_, &ref.coeffs_, &ref.gradX_, &ref.gradY_,
-                            &def.levels_, &def.coeffs_, &def.gradX_, &def.gradY_};
-  pool_.ForEach(static_cast<int32_t>(std::size(arrays)), [&](int32_t i, int32_t) { PictureArray().swap(*arrays[i]); });
-}
+      def(SampledAndReleased(defPixels, width, height, kind, {.use = PictureUse::Deformed, .pool = &pool})) {}
 
 double SampledPicture::BytesPerPixel() const {
   const size_t values = levels_.size() + coeffs_.size() + gradX_.size() + gradY_.size();

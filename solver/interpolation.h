@@ -81,7 +81,6 @@ class SampledPicture {
   Sample Bilinear(double x, double y) const;
   Sample Spline(double x, double y) const;
   void ComputePixelGradients(const PictureArray& coeffs, WorkerPool* pool);
-  friend struct SampledPair;
 
   int32_t width_;
   int32_t height_;
@@ -98,16 +97,8 @@ class SampledPicture {
 struct SampledPair {
   SampledPair(GreyArray& refPixels, GreyArray& defPixels, int32_t width, int32_t height, Interpolant kind,
               WorkerPool& pool);
-  // Giving a large picture's pages back to the system takes time: the arrays
-  // are freed side by side on the pool, which must outlive the pair.
-  ~SampledPair();
-  SampledPair(const SampledPair&) = delete;
-  SampledPair& operator=(const SampledPair&) = delete;
 
   SampledPicture ref, def;
-
- private:
-  WorkerPool& pool_;
 };
 
 }  // namespace tessiva::solver
