@@ -145,10 +145,7 @@ JobOutcome RunIncrementalMember(const std::string& dataDir, const std::string& n
   };
   const std::string picAna = stubKeys.Text("PICTURES", "PicRefini").value_or(refName);
   const std::string head = MemberHead(*stub, previousHead);
-  const auto writeResult = [&](std::ostream& out) {
-    WriteResult(out, head, picAna, s.NbPat, record, s.LpatEven, s.Lpas, &pool);
-  };
-  if (!WriteFileAtomically(ResultPathOf(path), writeResult))
+  if (!WriteResultFile(ResultPathOf(path), head, picAna, s.NbPat, record, s.LpatEven, s.Lpas, pool))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;
 }

@@ -104,10 +104,7 @@ JobOutcome RunDataFile(const std::string& dataDir, const std::string& name, cons
     return {p.good, s.XPat[k], s.YPat[k], warp, p.iterations, p.side, QualityOf(s.Correlation, p.zncc)};
   };
   const std::string picAna = job->pictures.picRefini.value_or(s.PicRefName);
-  const auto writeResult = [&](std::ostream& out) {
-    WriteResult(out, *dataText, picAna, s.NbPat, record, s.LpatEven, s.Lpas, &pool);
-  };
-  if (!WriteFileAtomically(ResultPathOf(path), writeResult))
+  if (!WriteResultFile(ResultPathOf(path), *dataText, picAna, s.NbPat, record, s.LpatEven, s.Lpas, pool))
     return Failure(ResultPathOf(path) + ": the result file can't be written");
   return outcome;
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <memory_resource>
 #include <new>
+#include <type_traits>
 #include <utility>
 #include <vector>
 

@@ -48,7 +48,7 @@ struct StartSeed {
 
 struct FieldSolution {
   LargeArray<PatternSolution> patterns;  // 1-based
-  std::vector<bool> seedGood;             // per start seed
+  std::vector<bool> seedGood;            // per start seed
 };
 
 // Solves the field on the pool's workers (problem.threads is not read).

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <ostream>
 
+#include "state/files.h"
 #include "state/numtext.h"
 #include "workerpool.h"
 
@@ -130,6 +131,13 @@ void WriteResult(std::ostream& out, const std::string& dataText, const std::stri
   } else {
     for (size_t b = 0; b < blocks; ++b) formatBlock(static_cast<int32_t>(b), 0);
   }
+}
+
+bool WriteResultFile(const std::string& path, const std::string& dataText, const std::string& picAna, int32_t patterns,
+                     const RecordOf& record, int32_t lpatEven, int32_t lpas, WorkerPool& pool) {
+  return WriteFileAtomically(path, [&](std::ostream& out) {
+    WriteResult(out, dataText, picAna, patterns, record, lpatEven, lpas, &pool);
+  });
 }
 
 }  // namespace tessiva::solver

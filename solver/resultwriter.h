@@ -6,7 +6,6 @@
 #include <functional>
 #include <iosfwd>
 #include <string>
-#include <vector>
 
 #include "icgn.h"
 
@@ -48,5 +47,9 @@ using RecordOf = std::function<PatternRecord(int32_t k)>;
 // either way.
 void WriteResult(std::ostream& out, const std::string& dataText, const std::string& picAna, int32_t patterns,
                  const RecordOf& record, int32_t lpatEven, int32_t lpas, WorkerPool* pool = nullptr);
+// The same into file `path`, which is replaced only once the whole result is
+// written; false, the old file left as it was, when it can't be.
+bool WriteResultFile(const std::string& path, const std::string& dataText, const std::string& picAna, int32_t patterns,
+                     const RecordOf& record, int32_t lpatEven, int32_t lpas, WorkerPool& pool);
 
 }  // namespace tessiva::solver
