@@ -1,6 +1,5 @@
 #include "propagation.h"
 
-#include <algorithm>
 #include <memory>
 
 #include "workerpool.h"
@@ -13,10 +12,9 @@ bool Acceptable(const SubsetResult& r, double minZncc) { return r.converged && r
 // The smaller subset first; the larger one where the smaller fails.
 PatternSolution SolvePattern(SubsetCorrelator& c, const FieldProblem& p, int32_t k, const Warp& guess) {
   PatternSolution out;
-  out.tried = true;
   for (int32_t side : {p.sideMin, p.sideMax}) {
     const SubsetResult r = c.Solve(p.x[k], p.y[k], side, guess);
-    out = {Acceptable(r, p.minZncc), true, r.warp, r.iterations, side, r.zncc};
+    out = {Acceptable(r, p.minZncc), r.warp, r.iterations, side, r.zncc};
     if (out.good || p.sideMax == p.sideMin) break;
   }
   return out;
@@ -42,11 +40,14 @@ Warp CarriedFrom(const FieldProblem& p, int32_t from, int32_t to, const Warp& w)
   return {w.u + w.ux * dx + w.uy * dy, w.ux, w.uy, w.v + w.vx * dx + w.vy * dy, w.vx, w.vy};
 }
 
-// The guess for pattern k: the warp of its best solved neighbour carried to it.
-Warp GuessFor(const FieldProblem& p, const LargeArray<PatternSolution>& sol, int32_t k) {
+// The guess for pattern k in wave `wave`: the warp of its best good
+// neighbour from an earlier wave, carried to it.
+Warp GuessFor(const FieldProblem& p, const LargeArray<PatternSolution>& sol, const std::vector<int32_t>& waveOf,
+              int32_t wave, int32_t k) {
   int32_t best = 0;
   for (int32_t n : p.neighbours[k])
-    if (n > 0 && sol[n].good && (best == 0 || sol[n].zncc > sol[best].zncc)) best = n;
+    if (n > 0 && waveOf[n] != 0 && waveOf[n] < wave && sol[n].good && (best == 0 || sol[n].zncc > sol[best].zncc))
+      best = n;
   return CarriedFrom(p, best, k, sol[best].warp);
 }
 
@@ -68,36 +69,37 @@ FieldSolution SolveField(const FieldProblem& p, const std::vector<StartSeed>& se
   pool.ForEach(static_cast<int32_t>(seeds.size()), [&](int32_t i, int32_t w) {
     seedSolutions[i] = SolveStart(*correlators[w], p, seeds[i]);
   });
+  // The wave each pattern is tried in, 0 for none yet; the good start
+  // patterns make wave 1.
+  std::vector<int32_t> waveOf(static_cast<size_t>(count) + 1, 0);
   std::vector<int32_t> wave;
   for (size_t i = 0; i < seeds.size(); ++i) {
     field.seedGood[i] = seedSolutions[i].good;
     PatternSolution& slot = sol[seeds[i].pattern];
     if (seedSolutions[i].good && (!slot.good || seedSolutions[i].zncc > slot.zncc)) slot = seedSolutions[i];
-    if (seedSolutions[i].good) wave.push_back(seeds[i].pattern);
+    if (seedSolutions[i].good) {
+      wave.push_back(seeds[i].pattern);
+      waveOf[seeds[i].pattern] = 1;
+    }
   }
   std::vector<int32_t> next;
-  std::vector<PatternSolution> solved;
-  while (!wave.empty()) {
-    // The untried neighbours of this wave, each seeded from its best solved
-    // neighbour. Their solutions are kept aside until the wave is done, so
-    // that every guess reads the field as the wave found it.
+  for (int32_t number = 2; !wave.empty(); ++number) {
+    // The untried neighbours of the last wave's good patterns. Each is seeded
+    // from the earlier waves only, never from one solved beside it in this
+    // wave, so the field is the same whatever order the workers take them in.
     next.clear();
     for (int32_t k : wave)
       for (int32_t n : p.neighbours[k])
-        if (n > 0 && !sol[n].tried) {
-          sol[n].tried = true;
+        if (n > 0 && waveOf[n] == 0) {
+          waveOf[n] = number;
           next.push_back(n);
         }
-    std::sort(next.begin(), next.end());
-    solved.resize(next.size());
     pool.ForEach(static_cast<int32_t>(next.size()), [&](int32_t i, int32_t w) {
-      solved[i] = SolvePattern(*correlators[w], p, next[i], GuessFor(p, sol, next[i]));
+      const int32_t k = next[i];
+      sol[k] = SolvePattern(*correlators[w], p, k, GuessFor(p, sol, waveOf, number, k));
     });
-    wave.clear();
-    for (size_t i = 0; i < next.size(); ++i) {
-      sol[next[i]] = solved[i];
-      if (solved[i].good) wave.push_back(next[i]);
-    }
+    std::erase_if(next, [&](int32_t k) { return !sol[k].good; });
+    wave.swap(next);
   }
   return field;
 }

@@ -20,7 +20,6 @@ class WorkerPool;
 
 struct PatternSolution {
   bool good = false;
-  bool tried = false;
   Warp warp;
   int32_t iterations = 0;
   int32_t side = 0;  // subset side that gave the solution
