@@ -60,12 +60,14 @@ CLI::App* AddSynthCommand(CLI::App& app, SynthRequest& request) {
   };
   command->add_option_function<std::string>("FIELD", field, "the displacement field")->required()->type_name("");
   const auto values = [&request](const std::vector<double>& v) {
+    if (v.size() > 3) Refuse("VALUES: a field takes at most 3 values, " + std::to_string(v.size()) + " given");
     request.field.a = v.size() > 0 ? v[0] : 0.0;
     request.field.b = v.size() > 1 ? v[1] : 0.0;
     request.field.c = v.size() > 2 ? v[2] : 0.0;
   };
   command->add_option_function<std::vector<double>>("VALUES", values, "the field's values, 0 when not given")
-      ->expected(0, 3)
+      // Open-ended here, counted above: the usage line then reads VALUES...
+      ->expected(0, CLI::detail::expected_max_vector_size)
       ->type_name("")
       ->check(NumberIn({}));
   synth::SpeckleSettings& settings = request.settings;

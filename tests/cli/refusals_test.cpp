@@ -48,6 +48,7 @@ TEST(CliRefusals, SayWhatIsWrongAndWriteNothing) {
       {{"setup", dir.Path(), "--grid", "8.5"}, "--grid: 8.5 is not a whole number"},
       {{"map", res, "--field", "norm", "--png", out, "--magnification", "big"}, "--magnification: big is not a number"},
       {{"synth", dir.File("pictures"), "translation", "3", "two"}, "VALUES: two is not a number"},
+      {{"synth", dir.File("pictures"), "neck", "1", "2", "3", "4"}, "VALUES: a field takes at most 3 values, 4 given"},
       {{"pick", res, "--tool", "point", "--field", "norm", "--at", "80,x"}, "--at takes X1,Y1[,X2,Y2], numbers separated by commas, not 80,x"},
       {{"setup", dir.Path(), "--grid", "30"}, "--grid: 30 is out of range (2 to 20)"},
       {{"setup", dir.Path(), "--pattern", "4", "25"}, "--pattern: 4 is out of range (6 to 32)"},
@@ -98,7 +99,7 @@ TEST(CliRefusals, HelpForTheProgramAndEachCommand) {
       {{"map", "--help"}, {"INPUT", "--field", "--png", "--smooth", "--on-final", "--magnification", "--palette", "--show-bad", "--list-fields"}},
       {{"pick", "--help"}, {"INPUT", "--tool", "--at", "--field", "--csv"}},
       {{"sif", "--help"}, {"INPUT", "--crack", "--radius", "--klarg", "--csv"}},
-      {{"synth", "--help"}, {"DIR", "FIELD", "VALUES", "--size", "--noise", "--seed", "--format", "neck STRAIN PEAK WIDTH"}},
+      {{"synth", "--help"}, {"DIR", "FIELD", "[VALUES...]", "--size", "--noise", "--seed", "--format", "neck STRAIN PEAK WIDTH"}},
   };
   for (const Case& c : cases) {
     const Outcome o = RunCommand(c.args);
