@@ -7,10 +7,7 @@
 # falls on all of them alike. Prints each run's wall time and processor time
 # (user and system, all threads), then their medians, the peak memory of one
 # more run and the speed-up from 1 to 2 threads; with two solvers, the
-# largest difference of their results. Each round also runs two one-thread
-# solves side by side, two processes that share nothing: how much longer each
-# takes than one alone is what the machine itself takes back when both its
-# cores are busy, the yardstick for the two-thread run of that session.
+# largest difference of their results.
 #
 #   bench/solver_process.sh CLI SOLVER [OTHER_SOLVER] [--rounds N] [--size N] [--grid N] [--dir DIR]
 set -euo pipefail
@@ -38,7 +35,7 @@ sed -i 's/^\(\s*Precision=\).*/\11000/' "$dir/job/strict.don"
 printf 'strict.don\n' > "$dir/job/entre.dat"
 # One copy of the job per solver, so that each keeps its own result.
 for i in "${!solvers[@]}"; do
-  rm -rf "$dir/run$i" "$dir/side$i" && cp -r "$dir/job" "$dir/run$i" && cp -r "$dir/job" "$dir/side$i"
+  rm -rf "$dir/run$i" && cp -r "$dir/job" "$dir/run$i"
 done
 
 # Wall and processor time (user and system, all threads) from the shell's
@@ -46,7 +43,6 @@ done
 TIMEFORMAT="%3R %3U %3S"
 : > "$dir/times"
 : > "$dir/peaks"
-: > "$dir/sides"
 echo "solver threads round wall_s cpu_s"
 for round in $(seq "$rounds"); do
   for threads in 1 2; do
@@ -55,14 +51,6 @@ for round in $(seq "$rounds"); do
       read -r wall user system <<< "$times"
       echo "$i $threads $round $wall $(awk -v u="$user" -v s="$system" 'BEGIN { print u + s }')" | tee -a "$dir/times"
     done
-  done
-  for i in "${!solvers[@]}"; do
-    times=$( { time {
-      TESSIVA_SOLVER_THREADS=1 "${solvers[$i]}" "$dir/run$i" "$dir/run$i" >/dev/null 2>&1 &
-      TESSIVA_SOLVER_THREADS=1 "${solvers[$i]}" "$dir/side$i" "$dir/side$i" >/dev/null 2>&1 &
-      wait
-    }; } 2>&1)
-    echo "$i $round ${times%% *}" >> "$dir/sides"
   done
 done
 # Peak memory, in one more run of each.
@@ -92,11 +80,6 @@ for i in "${!solvers[@]}"; do
     awk '{ v[NR] = $1 } END { printf "%.2f", v[int((NR + 1) / 2)] }')
   echo "${solvers[$i]} (solver $i) from 1 to 2 threads: $(awk -v a="$(median "$i" 1 4)" -v b="$(median "$i" 2 4)" \
     'BEGIN { printf "%.2f", a / b }') times as fast (median of the rounds' own ratios: $perRound)"
-  # Each round's pair side by side against the same round's one-thread run.
-  sideBySide=$(awk -v s="$i" 'FNR == NR { if ($1 == s && $2 == 1) alone[$3] = $4; next }
-    $1 == s && alone[$2] > 0 { print $3 / alone[$2] }' "$dir/times" "$dir/sides" | sort -n |
-    awk '{ v[NR] = $1 } END { printf "%.3f", v[int((NR + 1) / 2)] }')
-  echo "${solvers[$i]} (solver $i) two one-thread runs side by side: each takes $sideBySide times as long as one alone"
 done
 if [ ${#solvers[@]} -ge 2 ]; then
   python3 "$here/compare_results.py" "$dir/run0/strict.res" "$dir/run1/strict.res"
