@@ -56,11 +56,23 @@ void WorkerPool::ForEach(int32_t count, const std::function<void(int32_t, int32_
 }
 
 void WorkerPool::TakeItems(int32_t worker) {
-  // The try block costs nothing until a body throws, so the happy path keeps
-  // one atomic increment an item. An exception would end the program if it
-  // left a helper's thread; it is kept for ForEach to rethrow instead.
+  // The try block costs nothing until a body throws. An exception would end
+  // the program if it left a helper's thread; it is kept for ForEach to
+  // rethrow instead.
   try {
-    for (int32_t i = next_++; i < count_; i = next_++) (*body_)(i, worker);
+    const int32_t shares = 2 * Workers();
+    int32_t first = next_.load();
+    for (;;) {
+      // A share of what is left, down to single items near the end, so that
+      // the workers seldom meet on the counter and still finish together.
+      int32_t take = 0;
+      do {
+        if (first >= count_) return;
+        take = std::max(1, (count_ - first) / shares);
+      } while (!next_.compare_exchange_weak(first, first + take));
+      for (int32_t i = first; i < first + take && !failed_.load(std::memory_order_relaxed); ++i) (*body_)(i, worker);
+      first = next_.load();
+    }
   } catch (...) {
     if (!failed_.exchange(true)) error_ = std::current_exception();
     next_ = count_;  // hand out no further item

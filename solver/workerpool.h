@@ -23,8 +23,9 @@ class WorkerPool {
 
   int32_t Workers() const { return static_cast<int32_t>(threads_.size()) + 1; }
 
-  // Runs body(item, worker) for items 0..count-1, handed out one at a time,
-  // and returns when all are done. `worker` is 0..Workers()-1, so a body can
+  // Runs body(item, worker) for items 0..count-1, handed out in runs of
+  // consecutive items, each a share of what is left and single items near the
+  // end, and returns when all are done. `worker` is 0..Workers()-1, so a body can
   // keep per-worker scratch. When a body throws, on any thread, no further
   // item is handed out, and once every worker is idle the first exception
   // thrown is rethrown here; the pool stays ready for the next loop.
@@ -37,8 +38,10 @@ class WorkerPool {
   std::vector<std::thread> threads_;
   const std::function<void(int32_t, int32_t)>* body_ = nullptr;
   int32_t count_ = 0;
-  std::atomic<int32_t> next_{0};
-  std::atomic<bool> open_{false};         // the current loop still takes helpers
+  // The next item to hand out, on a cache line of its own, so that claiming
+  // items doesn't take from the others the line they read on every item.
+  alignas(64) std::atomic<int32_t> next_{0};
+  alignas(64) std::atomic<bool> open_{false};  // the current loop still takes helpers
   std::atomic<int32_t> inside_{0};        // helpers in a loop
   std::atomic<uint32_t> generation_{0};   // raised for every loop, and to stop
   std::atomic<bool> stopping_{false};
