@@ -45,6 +45,7 @@ class WorkerPool {
   std::atomic<int32_t> inside_{0};        // helpers in a loop
   std::atomic<uint32_t> generation_{0};   // raised for every loop, and to stop
   std::atomic<bool> stopping_{false};
+  std::atomic<int32_t> moved_{0};  // helpers moved off the creator's processor
   std::atomic<bool> failed_{false};  // a body of the current loop has thrown
   std::exception_ptr error_;         // the first one's exception
 };
