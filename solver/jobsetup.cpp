@@ -1,7 +1,5 @@
 #include "jobsetup.h"
 
-#include <algorithm>
-
 #include "formats/datafile.h"
 #include "formats/sections.h"
 #include "setup/areas.h"
@@ -87,15 +85,10 @@ FieldProblem ProblemOf(const LoadedJob& job, const SampledPicture& ref, const Sa
   p.x.assign(s.XPat.begin(), s.XPat.begin() + s.NbPat + 1);
   p.y.assign(s.YPat.begin(), s.YPat.begin() + s.NbPat + 1);
   p.neighbours.resize(p.x.size());
-  constexpr int32_t kPatternsPerItem = 4096;
-  pool.ForEach((s.NbPat + kPatternsPerItem) / kPatternsPerItem, [&](int32_t item, int32_t) {
-    const int32_t first = std::max(1, item * kPatternsPerItem);
-    const int32_t end = std::min(s.NbPat + 1, (item + 1) * kPatternsPerItem);
-    for (int32_t k = first; k < end; ++k) {
-      const int32_t x = s.XPat[k], y = s.YPat[k], step = s.Lpas;
-      p.neighbours[k] = {job.grid.PatternAt(x - step, y), job.grid.PatternAt(x + step, y),
-                         job.grid.PatternAt(x, y - step), job.grid.PatternAt(x, y + step)};
-    }
+  pool.ForEach(s.NbPat, [&](int32_t i, int32_t) {
+    const int32_t k = i + 1, x = s.XPat[k], y = s.YPat[k], step = s.Lpas;
+    p.neighbours[k] = {job.grid.PatternAt(x - step, y), job.grid.PatternAt(x + step, y),
+                       job.grid.PatternAt(x, y - step), job.grid.PatternAt(x, y + step)};
   });
   p.sideMin = s.LpatMin | 1;  // an odd side centres the subset on the pattern's pixel
   p.sideMax = s.LpatMax | 1;
