@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <set>
 
 #include "commands.h"
@@ -151,18 +154,41 @@ TEST_F(Pick, ASequenceGivesAPointRowAndAGaugeRowPerMember) {
   EXPECT_EQ(Listing(), before) << "the working copy of the selection isn't left beside the results";
 }
 
+// TMPDIR pointed elsewhere for a scope, then put back.
+class ScopedTmpDir {
+ public:
+  explicit ScopedTmpDir(const std::string& path) {
+    if (const char* old = std::getenv("TMPDIR")) old_ = old;
+    ::setenv("TMPDIR", path.c_str(), 1);
+  }
+  ~ScopedTmpDir() {
+    if (old_) {
+      ::setenv("TMPDIR", old_->c_str(), 1);
+    } else {
+      ::unsetenv("TMPDIR");
+    }
+  }
+  ScopedTmpDir(const ScopedTmpDir&) = delete;
+  ScopedTmpDir& operator=(const ScopedTmpDir&) = delete;
+
+ private:
+  std::optional<std::string> old_;
+};
+
 TEST_F(Pick, BadInputIsRefusedWithItsReasonAndLeavesNoFile) {
   const std::string result = WriteResult("r.res", LinearField);
   WriteResult("good.res", LinearField);
   const std::string seq = dir.Write("bad.seq", "good.don\nmissing.don\n");
+  // The scratch directories go to a temporary directory of this test's own,
+  // where the tests running beside it make and remove none of theirs.
+  const std::string tmp = dir.File("tmp");
+  std::filesystem::create_directory(tmp);
+  const ScopedTmpDir scopedTmp(tmp);
   const auto before = Listing();
-  const auto scratch = [] {
-    size_t n = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::temp_directory_path()))
-      n += entry.path().filename().string().starts_with("tessiva-cli-");
-    return n;
+  const auto scratch = [&] {
+    return std::distance(std::filesystem::directory_iterator(tmp), std::filesystem::directory_iterator());
   };
-  const size_t scratchBefore = scratch();
+  const auto scratchBefore = scratch();
   struct Case {
     std::vector<std::string> args;
     int status;
